@@ -1,0 +1,82 @@
+// Tries a patch of surface again and again, in easier and easier forms, until the library takes it.
+//
+// A region of interest fails as a whole when a single measure leaves its range; wide curved regions
+// are the usual cause. A narrower aperture makes regions less curved; halves of the patch keep the
+// rest out of a failure's way. The ladder does not call the library itself: it is handed a
+// function.
+#pragma once
+
+#include <undercut/exports.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "geometry.h"
+
+namespace undercut::host {
+
+// Triangles that are offered together, all of one region of interest.
+struct Patch {
+  uint32_t roi = 0;
+  uint32_t halvings = 0;  // from the region of interest to this patch
+  std::vector<uint32_t> triangles;
+};
+
+struct FoundRegion {
+  std::vector<uint32_t> triangles;
+  T3DRAY axis{};  // centre, and direction from the tool to the part, as the library tells them
+  T3DFRM frame{};
+};
+
+// What became of a patch: the two codes of the library, and the regions.
+struct Outcome {
+  int32_t first = 0, second = 0;
+  std::vector<FoundRegion> regions;
+
+  bool failed() const { return second != 0; }
+};
+
+// Offers all patches at one aperture, in one call of the library; one outcome for each.
+using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, double aperture)>;
+
+struct LadderRules {
+  std::vector<double> apertures;  // the rungs, in the order of trial
+  uint32_t most_halvings = 0;
+};
+
+struct Settled {
+  Patch patch;
+  double aperture = 0.0;
+  std::vector<FoundRegion> regions;
+};
+
+// What one call did for one region of interest.
+struct CallNote {
+  uint32_t call = 0, roi = 0;
+  double aperture = 0.0;
+  uint32_t patches = 0, failed = 0;
+  size_t triangles = 0;
+  int32_t first = 0, second = 0;  // codes of the first patch that has any
+};
+
+struct Climb {
+  std::vector<Settled> settled;
+  std::vector<Patch> given_up;  // failed on every rung
+  std::vector<CallNote> notes;  // by call, then by region of interest
+  uint32_t calls = 0;
+};
+
+// The user's aperture first, then the narrower ones of 40, 30, 25, 20, 15, 10 degrees.
+LadderRules make_Ladder(double aperture);
+
+// The halves of a patch: cut at the median of the centres along their longest extent. Equal
+// coordinates go by triangle number, so the halves are the same on every machine.
+std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres);
+
+// All patches start on the first rung together. Those that fail go down rung by rung; those that
+// fail on the last are halved and start anew.
+Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
+                   const std::vector<T3DVEC>& centres, const Attempt& attempt);
+
+}  // namespace undercut::host

@@ -1,0 +1,189 @@
+#include "library_call.h"
+
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "capture.h"
+#include "errors.h"
+
+namespace undercut::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Longest name that the library puts behind its base directory, with room to spare: folders of a
+// stage file are built in a buffer of 256 bytes.
+constexpr size_t kLongestBase = 200;
+
+const char* explain_Status(int32_t status) {
+  switch (status) {
+    case 4:
+      return "it takes the mesh for bad";
+    case 5:
+      return "there is no region of interest";
+    case 6:
+      return "no memory at the start";
+    case 7:
+      return "no memory for the tree";
+    case 8:
+      return "more than three polar bands";
+    case 9:
+      return "it refuses the polar bands";
+    case 10:
+      return "no memory for the adjacency";
+    case -112:
+      return "a frame file could not be opened; look at the folder of the stage files";
+    case -143:
+      return "a triangle could not be locked";
+    default:
+      return "an inner failure";
+  }
+}
+
+template <typename Raw>
+void set_Value(int32_t (*setter)(const Raw*), Raw value) {
+  setter(&value);
+}
+
+void set_StageFiles() {
+  set_Value<uint8_t>(dcm_log, 1);
+  dcm_wrk("cri ini fwd del rnk bwd clo com fil smo end flt");
+  dcm_uda("ply");
+  dcm_end("axi trf win uda h2o");
+}
+
+// Works in a folder for as long as the object lives: one kind of stage file is written beside the
+// process, wherever the others go.
+class WorkIn {
+ public:
+  explicit WorkIn(const fs::path& folder) {
+    if (folder.empty()) return;
+    back_ = fs::current_path();
+    fs::create_directories(folder);
+    fs::current_path(folder);
+  }
+  WorkIn(const WorkIn&) = delete;
+  WorkIn& operator=(const WorkIn&) = delete;
+  ~WorkIn() {
+    std::error_code error;
+    if (back_) fs::current_path(*back_, error);
+  }
+
+ private:
+  std::optional<fs::path> back_;
+};
+
+// Releases the arrays of a result however its reader ends.
+struct Result {
+  TUcRes record{};
+  Result() { ini_Res(&record); }
+  Result(const Result&) = delete;
+  Result& operator=(const Result&) = delete;
+  ~Result() { clr_Res(&record); }
+};
+
+std::vector<FoundRegion> copy_Slot(const TUcRes& result, uint32_t slot) {
+  std::vector<FoundRegion> regions;
+  if (slot >= result.uca_t.count || slot >= result.uca_a.count || slot >= result.uca_f.count) {
+    return regions;
+  }
+  const TLstLstU32 lists = result.uca_t.data[slot];
+  const TLstRay axes = result.uca_a.data[slot];
+  const TLstFrm frames = result.uca_f.data[slot];
+  for (uint32_t k = 0; k < lists.count && k < axes.count && k < frames.count; ++k) {
+    const TLstU32 list = lists.data[k];
+    regions.push_back(
+        {std::vector<uint32_t>(list.data, list.data + list.count), axes.data[k], frames.data[k]});
+  }
+  return regions;
+}
+
+}  // namespace
+
+void set_Parameters(const CallRules& rules) {
+  if (!rules.stage_folder.empty()) set_StageFiles();
+  for (const Setting& setting : rules.settings) setting.parameter->store(setting.value);
+  // The times of the stages come from what the library prints; the command shows them in its way.
+  set_Value<uint8_t>(dcm_rti, 1);
+  set_Value<uint8_t>(dcm_prg, rules.progress ? 1 : 0);
+}
+
+double find_Aperture(const std::vector<Setting>& settings) {
+  const Parameter& aperture = find_Parameter("dcm.T_win");
+  double value = std::get<double>(aperture.standard);
+  for (const Setting& setting : settings) {
+    if (setting.parameter == &aperture) value = std::get<double>(setting.value);
+  }
+  return value;
+}
+
+LibraryCall::LibraryCall(Mesh& mesh, const CallRules& rules) : mesh_(mesh), rules_(rules) {
+  if (!rules_.stage_folder.empty()) {
+    rules_.stage_folder = fs::absolute(rules_.stage_folder).lexically_normal();
+    if (rules_.stage_folder.string().size() > kLongestBase) {
+      throw UsageError(
+          "--stage-files: the path of the folder is longer than the library can take (" +
+          std::to_string(kLongestBase) + " characters): take a shorter one with -o.");
+    }
+  }
+  set_Parameters(rules_);
+}
+
+int32_t LibraryCall::call_Library(const TUcReq& request, TUcRes& result) {
+  Capture capture;
+  const int32_t status = get_Dcm(&request, &result);
+  add_StageTimes(capture.finish(), times_);
+  return status;
+}
+
+std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, double aperture) {
+  dcm_win(&aperture);
+  // The library shortens the lists in place, so it gets copies.
+  std::vector<std::vector<uint32_t>> triangles;
+  std::vector<TLstU32> lists;
+  triangles.reserve(patches.size());
+  for (const Patch& patch : patches) {
+    triangles.push_back(patch.triangles);
+    const auto count = static_cast<uint32_t>(patch.triangles.size());
+    lists.push_back({triangles.back().data(), count, count});
+  }
+
+  TUcReq request{};
+  ini_Req(&request);
+  request.msh = {mesh_.vertices.data(), static_cast<uint32_t>(mesh_.vertices.size()),
+                 mesh_.triangles.data(), static_cast<uint32_t>(mesh_.triangles.size())};
+  const auto count = static_cast<uint32_t>(lists.size());
+  request.rois = {lists.data(), count, count};
+
+  fs::path folder;
+  ++calls_;
+  if (!rules_.stage_folder.empty()) {
+    char name[32];
+    std::snprintf(name, sizeof name, "call-%03u", calls_);
+    folder = rules_.stage_folder / name;
+    std::snprintf(request.dir, sizeof request.dir, "%s", folder.c_str());
+  }
+
+  Result result;
+  {
+    const WorkIn work(folder);
+    const int32_t status = call_Library(request, result.record);
+    if (status != 0 && status != 1) {
+      throw RunError("the library refused the call with status " + std::to_string(status) + ": " +
+                     explain_Status(status) + ".");
+    }
+    status_ = std::max(status_, status);
+  }
+
+  // No list is empty, so slot i belongs to patch i.
+  std::vector<Outcome> outcomes(patches.size());
+  for (uint32_t i = 0; i < outcomes.size() && i < result.record.sts.count; ++i) {
+    const TUcSts status = result.record.sts.data[i];
+    outcomes[i] = {status.first, status.second, copy_Slot(result.record, i)};
+  }
+  return outcomes;
+}
+
+}  // namespace undercut::host

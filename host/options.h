@@ -1,0 +1,37 @@
+// The command line.
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "parameters.h"
+#include "prepare.h"
+
+namespace undercut::host {
+
+struct DecomposeOptions {
+  std::filesystem::path part;
+  std::vector<std::filesystem::path> rois;  // none: the whole mesh
+  std::vector<Setting> settings;            // in the order given; a later one wins
+  std::filesystem::path folder = "regions";
+  bool json = false;
+  bool stage_files = false;
+  bool plain = false;
+  PrepareRules prepare;
+};
+
+struct Options {
+  enum class Action { Decompose, Parameters, Nothing };
+
+  Action action = Action::Nothing;  // Nothing: help or the version was printed
+  DecomposeOptions decompose;
+  bool json = false;  // of Parameters
+};
+
+// Throws UsageError. Help and version are printed on `out`.
+Options parse_Options(int argc, const char* const* argv, std::ostream& out);
+
+}  // namespace undercut::host

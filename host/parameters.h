@@ -1,0 +1,55 @@
+// The library's parameters as the command's user meets them: by key, with checked values.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace undercut::host {
+
+enum class Kind { I32, U32, U8, B32, F64, TXT, BOX };
+
+using Value = std::variant<int64_t, double, std::string, std::array<double, 4>>;
+
+struct Parameter {
+  const char* setter;
+  const char* block;
+  const char* key;
+  Kind kind;
+  Value standard;  // the value at load
+  const char* unit;
+  const char* range;
+  const char* sentence;
+  int32_t (*store)(const Value&);  // hands a value to the library
+
+  std::string name() const { return std::string(block) + "." + key; }
+};
+
+struct Setting {
+  const Parameter* parameter;
+  Value value;
+};
+
+const std::vector<Parameter>& all_Parameters();
+
+// Finds a parameter by BLOCK.KEY, by the setter's name, or by the key alone. A key that several
+// blocks have means that of the block dcm, or else the one that the decomposition reads (f_tol).
+// Throws UsageError, with near names, for an unknown key and for one that is not unique.
+const Parameter& find_Parameter(std::string_view key);
+
+// Reads a value and checks it by kind and range. Throws UsageError.
+Value parse_Value(const Parameter& parameter, std::string_view text);
+
+// Reads "KEY=VALUE". Throws UsageError.
+Setting parse_Setting(std::string_view text);
+
+// The decomposition reads it.
+bool is_Read(const Parameter& parameter);
+
+std::string show_Value(const Value& value);
+const char* show_Kind(Kind kind);
+
+}  // namespace undercut::host

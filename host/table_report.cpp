@@ -1,0 +1,123 @@
+#include <algorithm>
+#include <iomanip>
+#include <ostream>
+
+#include "report.h"
+#include "text.h"
+
+namespace undercut::host {
+namespace {
+
+std::string show_Percent(double part, double whole) {
+  return fixed_Text(whole > 0.0 ? 100.0 * part / whole : 0.0, 1) + " %";
+}
+
+std::string count_Word(size_t count, const char* one, const char* many) {
+  return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+void write_Part(std::ostream& out, const Part& part) {
+  out << part.path << ": " << count_Word(part.mesh.triangles.size(), "triangle", "triangles")
+      << ", " << count_Word(part.mesh.vertices.size(), "vertex", "vertices") << "\n";
+  if (part.degenerate.empty()) return;
+  out << count_Word(part.degenerate.size(), "triangle has", "triangles have")
+      << " two equal corners:";
+  constexpr size_t kShown = 10;
+  for (size_t i = 0; i < std::min(kShown, part.degenerate.size()); ++i) {
+    out << " " << part.degenerate[i];
+  }
+  out << (part.degenerate.size() > kShown ? " ...\n" : "\n");
+}
+
+// What the region of interest needed, in a phrase.
+std::string show_Needed(const RoiAnswer& roi) {
+  std::string text = count_Word(roi.notes.size(), "call", "calls");
+  if (roi.notes.size() > 1) text += ", aperture down to " + fixed_Text(roi.narrowest, 0) + " deg";
+  if (roi.halvings > 0) text += ", halved " + count_Word(roi.halvings, "time", "times");
+  if (roi.set_apart > 0)
+    text += ", " + count_Word(roi.set_apart, "triangle", "triangles") + " set apart";
+  return text;
+}
+
+void write_Line(std::ostream& out, const std::string& name, size_t count, double area, double whole,
+                const std::string& axis) {
+  out << std::setw(8) << name << std::setw(12) << count << std::setw(14) << fixed_Text(area, 3)
+      << std::setw(10) << show_Percent(area, whole) << axis << "\n";
+}
+
+void write_Roi(std::ostream& out, const RoiAnswer& roi, size_t index) {
+  out << "\nRegion of interest " << index << " (" << roi.roi.source
+      << "): " << (roi.failed() ? "failed in part" : "done") << "; " << show_Needed(roi) << "\n";
+  if (roi.given_up > 0) {
+    out << "  " << count_Word(roi.given_up, "triangle", "triangles")
+        << " could not be computed and stayed free.\n";
+  }
+  if (roi.roi.repeated > 0) {
+    out << "  " << count_Word(roi.roi.repeated, "repeated entry", "repeated entries")
+        << " of the list left out.\n";
+  }
+  out << "  region   triangles      area mm2     share   axis, from the part towards the tool\n";
+  for (const Region& region : roi.regions) {
+    std::string axis = "  ";
+    for (const double value : {region.axis.x, region.axis.y, region.axis.z}) {
+      // Adding 0.0 shows a value that rounds to -0.0 without its sign.
+      const std::string number = fixed_Text(std::round(value * 1e4) / 1e4 + 0.0, 4);
+      axis += std::string(number.size() < 9 ? 9 - number.size() : 1, ' ') + number;
+    }
+    write_Line(out, std::to_string(region.number), region.triangles.size(), region.area, roi.area,
+               axis);
+  }
+  write_Line(out, "free", roi.free.size(), roi.area - roi.covered, roi.area, "");
+}
+
+// Breaks a sentence into lines of at most `width` characters.
+void write_Wrapped(std::ostream& out, const std::string& sentence, size_t margin, size_t width) {
+  size_t column = 0;
+  for (const std::string_view word : split_Text(sentence, ' ')) {
+    if (column == 0 || column + 1 + word.size() > width) {
+      out << (column == 0 ? "" : "\n") << std::string(margin, ' ') << word;
+      column = word.size();
+    } else {
+      out << ' ' << word;
+      column += 1 + word.size();
+    }
+  }
+  out << "\n";
+}
+
+}  // namespace
+
+void write_Table(std::ostream& out, const Part& part, const DecomposeOptions& options,
+                 const Answer& answer) {
+  write_Part(out, part);
+  for (const Setting& setting : options.settings) {
+    out << setting.parameter->name() << " = " << show_Value(setting.value) << "\n";
+  }
+  for (size_t i = 0; i < answer.rois.size(); ++i) write_Roi(out, answer.rois[i], i);
+  out << "\n"
+      << count_Word(answer.regions, "region covers", "regions cover") << " "
+      << show_Percent(answer.covered, answer.area) << " of " << fixed_Text(answer.area, 3)
+      << " mm2, in " << fixed_Text(answer.elapsed_ms / 1000.0, 2) << " s\n";
+  for (const StageTime& time : answer.times) {
+    out << "  " << std::left << std::setw(50) << time.stage << std::right << std::setw(8) << time.ms
+        << " ms\n";
+  }
+}
+
+void write_Parameters(std::ostream& out) {
+  out << "Parameters, set by --set KEY=VALUE. KEY is the name behind the point, the whole name, "
+         "or\n"
+         "the setter. The decomposition reads those of the block dcm, and ucs.f_tol.\n";
+  std::string block;
+  for (const Parameter& p : all_Parameters()) {
+    if (p.block != block) out << "\n";
+    block = p.block;
+    const std::string unit = std::string_view(p.unit) == "-" ? "" : p.unit;
+    out << std::left << std::setw(12) << p.name() << " " << std::setw(8) << p.setter << " default "
+        << std::setw(8) << show_Value(p.standard) << " " << std::setw(8) << unit << std::right
+        << " [" << p.range << "]\n";
+    write_Wrapped(out, p.sentence, 6, 84);
+  }
+}
+
+}  // namespace undercut::host

@@ -1,0 +1,28 @@
+#include "files/file.h"
+
+#include <cstdarg>
+
+namespace undercut {
+
+File::File(const char* path, const char* mode)
+    : stream_(path ? std::fopen(path, mode) : nullptr),
+      locale_(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))) {}
+
+File::~File() {
+  if (stream_) std::fclose(stream_);
+  if (locale_) freelocale(locale_);
+}
+
+void File::printf(const char* format, ...) {
+  // Without a locale of its own (no memory) this asks for the current one and changes nothing.
+  const locale_t before = uselocale(locale_);
+  va_list args;
+  va_start(args, format);
+  std::vfprintf(stream_, format, args);
+  va_end(args);
+  uselocale(before);
+}
+
+void File::write(const void* bytes, size_t size) { std::fwrite(bytes, 1, size, stream_); }
+
+}  // namespace undercut

@@ -1,0 +1,32 @@
+// Boundary edges of a mesh or of a set of its triangles, and their chains.
+//
+// An edge keeps the orientation of the triangle it comes from: corners ab, bc, ca.
+#pragma once
+
+#include "foundation/bit_vector.h"
+#include "mesh/adjacency.h"
+
+namespace undercut {
+
+// Edges that no second triangle shares. 0; -1 no triangle array, -2 no triangles, -3 no table,
+// -4 no memory.
+int32_t bnd_All(const T3DMSH& msh, const TAdj& vtx_tri, TArr<T3DSGM>& out);
+
+// Edges of the triangles of a set that no second triangle of the set shares. Codes as bnd_All.
+int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, TArr<T3DSGM>& out);
+
+// The same with a table of its own; triangles with two equal corner indices count on neither side.
+// Codes as bnd_All.
+int32_t bnd_Own(const T3DMSH& msh, const CBitVector& set, TArr<T3DSGM>& out);
+
+// For each listed triangle and each of its neighbours outside the set: their first common edge:
+// one that shares two edges is listed twice and gives its first edge twice. Codes as bnd_All; -3
+// also for a list without array, or with an index beyond the mesh.
+int32_t bnd_Out(const T3DMSH& msh, const TAdj& tri_tri, const CBitVector& set,
+                const TLst<uint32_t>& lst, TArr<T3DSGM>& out);
+
+// Chains edges, in their direction, into lists of vertices: open chains first, by rising start,
+// then closed ones, whose first vertex is not repeated. False for an empty list or no memory.
+bool bnd_Loops(const T3DMSH& msh, const TArr<T3DSGM>& edges, TArr<TArr<uint32_t>>& out);
+
+}  // namespace undercut

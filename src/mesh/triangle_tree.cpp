@@ -1,0 +1,115 @@
+// The box tree over the triangles of a mesh, and its queries by line, cylinder, slab and ray.
+#include <new>
+
+#include "mesh/trees.h"
+
+namespace undercut {
+
+namespace {
+
+bool has_Corners(const T3DTRI& t, uint32_t n_vtx) {
+  return t.a < n_vtx && t.b < n_vtx && t.c < n_vtx;
+}
+
+void append(TLst<uint32_t>& lst, uint32_t id) { lst.data[lst.count++] = id; }
+
+// Appends all of a node inside the volume, and elsewhere each triangle that reaches into it.
+template <typename Judge, typename Test>
+void collect(const TBoxTree<C3DAABB>& tree, TLst<uint32_t>& lst, Judge judge, Test test) {
+  walk_Tree(tree, judge, [&](const TBoxNode<C3DAABB>& node, Verdict verdict) {
+    for (uint32_t i = node.first; i <= node.last; ++i)
+      if (verdict == Verdict::kInside || test(tree.items[i])) append(lst, tree.items[i].id);
+    return false;
+  });
+}
+
+}  // namespace
+
+bool C3DTriAABBTree::Build(const T3DMSH& msh) {
+  Clear();
+  if (!is_Usable(msh)) return false;
+  try {
+    tree_.items.reserve(msh.n_tri);
+    for (uint32_t t = 0; t < msh.n_tri; ++t) {
+      if (!has_Corners(msh.tri[t], msh.n_vtx)) {
+        Clear();
+        return false;
+      }
+      C3DAABB box;
+      box.from_Tri(get_Fac(msh, t));
+      tree_.items.push_back({t, box});
+    }
+    tree_.build();
+    rays_.build(tree_, msh);
+  } catch (const std::bad_alloc&) {
+    Clear();
+    return false;
+  }
+  msh_ = msh;
+  return true;
+}
+
+void C3DTriAABBTree::Clear() {
+  tree_.clear();
+  rays_.clear();
+  msh_ = {};
+  excluded_ = 0;
+  excludes_ = false;
+}
+
+// Only org's half of the line is held against the boxes, the whole line against the triangle. So a
+// triangle round org is reported though its crossing lies behind; callers that care test the sign.
+void C3DTriAABBTree::QueryLine(const T3DRAY& ray, TLst<uint32_t>& lst) const {
+  const T3DRAY back = {ray.org, -ray.dir};
+  collect(
+      tree_, lst,
+      [&](const C3DAABB& box) { return hit_Box(ray, box) ? Verdict::kReached : Verdict::kMissed; },
+      [&](const TBoxItem<C3DAABB>& item) {
+        if (!hit_Box(ray, item.box)) return false;
+        const T3DFAC f = get_Fac(msh_, item.id);
+        return hit_Tri(ray, f) || hit_Tri(back, f);
+      });
+}
+
+void C3DTriAABBTree::QueryCylinder(const T3DCYL& cylinder, TLst<uint32_t>& lst) const {
+  collect(
+      tree_, lst,
+      [&](const C3DAABB& box) {
+        if (!hit_CylBox(cylinder, box)) return Verdict::kMissed;
+        return in_Cyl(cylinder, box) ? Verdict::kInside : Verdict::kReached;
+      },
+      [&](const TBoxItem<C3DAABB>& item) { return hit_CylTri(cylinder, get_Fac(msh_, item.id)); });
+}
+
+void C3DTriAABBTree::QuerySlab(const T3DSLB& slab, TLst<uint32_t>& lst) const {
+  collect(
+      tree_, lst,
+      [&](const C3DAABB& box) {
+        if (!hit_SlabBox(slab, box)) return Verdict::kMissed;
+        return in_Slab(slab, box) ? Verdict::kInside : Verdict::kReached;
+      },
+      [&](const TBoxItem<C3DAABB>& item) { return hit_SlabTri(slab, get_Fac(msh_, item.id)); });
+}
+
+bool C3DTriAABBTree::AnyHit(const T3DRAY& ray) const {
+  if (excludes_ || !rays_.takes(ray)) return any_Plain(ray);
+  return rays_.any_Hit(ray, msh_);
+}
+
+bool C3DTriAABBTree::any_Plain(const T3DRAY& ray) const {
+  bool hit = false;
+  walk_Tree(
+      tree_,
+      [&](const C3DAABB& box) { return hit_Box(ray, box) ? Verdict::kReached : Verdict::kMissed; },
+      [&](const TBoxNode<C3DAABB>& node, Verdict) {
+        for (uint32_t i = node.first; i <= node.last && !hit; ++i) {
+          const TBoxItem<C3DAABB>& item = tree_.items[i];
+          if (excludes_ && item.id == excluded_) continue;
+          hit = hit_Box(ray, item.box) && hit_Tri(ray, get_Fac(msh_, item.id));
+        }
+        return hit;
+      });
+  return hit;
+}
+
+}  // namespace undercut

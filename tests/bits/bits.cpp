@@ -1,0 +1,106 @@
+// Prints a hash of every result of a fixed set of calls. Two builds agree when their prints do.
+#include <undercut/exports.h>
+
+#include <cstdio>
+#include <cstring>
+#include <numeric>
+#include <vector>
+
+#include "bench/bodies.h"
+
+namespace {
+
+// FNV-1a over the bytes.
+class Hash {
+ public:
+  void add(const void* bytes, size_t size) {
+    const auto* p = static_cast<const unsigned char*>(bytes);
+    for (size_t i = 0; i < size; ++i) value_ = (value_ ^ p[i]) * 1099511628211ull;
+  }
+  template <typename List>
+  void add_List(const List& list) {
+    add(&list.count, sizeof list.count);
+    for (uint32_t i = 0; i < list.count; ++i) add(&list.data[i], sizeof list.data[i]);
+  }
+  unsigned long long value() const { return value_; }
+
+ private:
+  unsigned long long value_ = 14695981039346656037ull;
+};
+
+template <typename Value>
+void set(int32_t (*setter)(const Value*), Value value) {
+  setter(&value);
+}
+
+void print_Dcm(const char* name, bodies::TBody& body) {
+  std::vector<uint32_t> all(body.triangles.size());
+  std::iota(all.begin(), all.end(), 0u);
+  const auto n = static_cast<uint32_t>(all.size());
+  TLstU32 rois[] = {{all.data(), n / 2, n}, {all.data() + n / 2, n - n / 2, n - n / 2}};
+  TUcReq req;
+  TUcRes res;
+  ini_Req(&req);
+  ini_Res(&res);
+  req.msh = body.view();
+  req.rois = {rois, 2, 2};
+  const int32_t status = get_Dcm(&req, &res);
+  Hash hash;
+  uint32_t regions = 0;
+  for (uint32_t i = 0; i < res.uca_t.count; ++i) {
+    for (uint32_t k = 0; k < res.uca_t.data[i].count; ++k) hash.add_List(res.uca_t.data[i].data[k]);
+    hash.add_List(res.uca_a.data[i]);
+    hash.add_List(res.uca_f.data[i]);
+    regions += res.uca_t.data[i].count;
+  }
+  hash.add_List(res.sts);
+  for (const TLstU32& roi : rois) hash.add_List(roi);
+  std::printf("%-24s status %d, %2u regions, %016llx\n", name, status, regions, hash.value());
+  clr_Res(&res);
+}
+
+void print_Stc(bodies::TBody& body) {
+  std::vector<uint32_t> all(body.triangles.size());
+  std::iota(all.begin(), all.end(), 0u);
+  std::vector<double> values(all.size());
+  for (size_t i = 0; i < values.size(); ++i) values[i] = 1.0 / (1.0 + static_cast<double>(i % 97));
+  TLstU32 cav = {all.data(), static_cast<uint32_t>(all.size()), static_cast<uint32_t>(all.size())};
+  TUcReq req;
+  TUcRes res;
+  ini_Req(&req);
+  ini_Res(&res);
+  req.msh = body.view();
+  req.cav = {&cav, 1, 1};
+  req.add = values.data();
+  const int32_t status = get_Stc(&req, &res);
+  Hash hash;
+  if (status == 0) hash.add(res.sta, sizeof(TUcStat));
+  std::printf("%-24s status %d, %016llx\n", "sums", status, hash.value());
+  clr_Res(&res);
+}
+
+}  // namespace
+
+int main() {
+  bodies::TBody ring = bodies::make_Ring(8000), ball = bodies::make_Ball(6000);
+  print_Stc(ring);
+  set<uint32_t>(dcm_Con, 3);
+  print_Dcm("ring", ring);
+  print_Dcm("ball", ball);
+  set<uint8_t>(dcm_ini, 0);
+  print_Dcm("ring, axes free", ring);
+  print_Dcm("ball, axes free", ball);
+  set<uint8_t>(dcm_5ax, 0);
+  print_Dcm("ring, four axes", ring);
+  set<uint8_t>(dcm_ini, 1);
+  print_Dcm("ball, four axes", ball);
+  set<uint8_t>(dcm_5ax, 1);
+  set<uint32_t>(dcm_Con, 0);
+  set<double>(dcm_win, 30.0);
+  print_Dcm("ring, one band", ring);
+  dcm_srt("srf");
+  set<double>(dcm_Lg1, 0.5);
+  set<int32_t>(dcm_Cnt, 0);
+  print_Dcm("ball, by area", ball);
+  return 0;
+}

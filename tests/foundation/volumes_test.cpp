@@ -1,0 +1,176 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "foundation/primitives.h"
+#include "tests/reference/random_geometry.h"
+
+namespace undercut {
+namespace {
+
+using reference::Random;
+
+C3DAABB make_Box(const T3DVEC& p, const T3DVEC& q) {
+  C3DAABB box;
+  box.add(p);
+  box.add(q);
+  return box;
+}
+
+T3DCYL make_Cylinder(const T3DVEC& org, const T3DVEC& axis, double radius) {
+  return {frm_Ray({org, axis}), radius};
+}
+
+// ---- Cylinder ----------------------------------------------------------------------------------
+
+TEST(Cylinder, TakesABoxThatItsAxisMeets_ForwardAndBackward) {
+  const C3DAABB box = make_Box({-1, -1, 10}, {1, 1, 12});
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({0, 0, 0}, {0, 0, 1}, 0.1), box));
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({0, 0, 99}, {0, 0, 1}, 0.1), box));
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({0, 0, 11}, {0, 0, 1}, 0.1), box));
+}
+
+TEST(Cylinder, TakesABoxByAnyOfItsTwelveEdges_NoFartherThanTheRadius) {
+  const C3DAABB box = make_Box({-1, -1, -1}, {1, 1, 1});
+  for (const T3DVEC& axis : {T3DVEC{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}) {
+    // Past the four edges along the axis, diagonally: a distance of sqrt(2) from each.
+    const T3DVEC u = {axis.y, axis.z, axis.x}, v = {axis.z, axis.x, axis.y};
+    for (const double su : {-2.0, 2.0}) {
+      for (const double sv : {-2.0, 2.0}) {
+        const T3DVEC org = su * u + sv * v;
+        EXPECT_TRUE(hit_CylBox(make_Cylinder(org, axis, 1.4143), box));
+        EXPECT_FALSE(hit_CylBox(make_Cylinder(org, axis, 1.4142), box));
+      }
+    }
+  }
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 2), box));
+  EXPECT_FALSE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 1.999), box));
+}
+
+TEST(Cylinder, TakesATriangleByItsAxisOrItsEdges) {
+  const T3DFAC f = {{0, 0, 5}, {9, 0, 5}, {0, 9, 5}};
+  EXPECT_TRUE(hit_CylTri(make_Cylinder({2, 2, 0}, {0, 0, 1}, 0.01), f));
+  EXPECT_TRUE(hit_CylTri(make_Cylinder({2, 2, 99}, {0, 0, 1}, 0.01), f));
+  EXPECT_TRUE(hit_CylTri(make_Cylinder({4, -1, 0}, {0, 0, 1}, 1), f));
+  EXPECT_TRUE(hit_CylTri(make_Cylinder({-1, 4, 0}, {0, 0, 1}, 1), f));
+  EXPECT_TRUE(hit_CylTri(make_Cylinder({5.5, 5.5, 0}, {0, 0, 1}, 1.4143), f));
+  EXPECT_FALSE(hit_CylTri(make_Cylinder({4, -1, 0}, {0, 0, 1}, 0.999), f));
+  EXPECT_FALSE(hit_CylTri(make_Cylinder({5.5, 5.5, 0}, {0, 0, 1}, 1.4142), f));
+}
+
+TEST(Cylinder, HoldsABoxWhole_WhenNoCornerIsFartherThanTheRadius) {
+  const C3DAABB box = make_Box({-3, -4, 0}, {3, 4, 99});
+  EXPECT_TRUE(in_Cyl(make_Cylinder({0, 0, 7}, {0, 0, 1}, 5), box));
+  EXPECT_FALSE(in_Cyl(make_Cylinder({0, 0, 7}, {0, 0, 1}, 4.999), box));
+  EXPECT_FALSE(in_Cyl(make_Cylinder({0.1, 0, 7}, {0, 0, 1}, 5), box));
+}
+
+// What is inside is reached, and a box with a sample point inside is reached.
+TEST(Cylinder, ReachesEveryBoxAndTriangleWithAPointInside) {
+  const uint64_t seed = 2431;
+  SCOPED_TRACE(seed);
+  Random random(seed);
+  int boxes = 0, triangles = 0, whole = 0;
+  for (int i = 0; i < 20000; ++i) {
+    const T3DCYL cylinder =
+        make_Cylinder(random.triple(-2, 2), random.triple(-1, 1), random.real(0.05, 1.5));
+    const auto inside = [&](const T3DVEC& p) {
+      return len(cross(p - cylinder.frm.org, cylinder.frm.z)) < cylinder.radius - 1e-9;
+    };
+    const C3DAABB box = make_Box(random.triple(-1, 1), random.triple(-1, 1));
+    const T3DVEC w = random.triple(0, 1), e = box.size();
+    if (inside(box.min + T3DVEC{w.x * e.x, w.y * e.y, w.z * e.z})) {
+      ASSERT_TRUE(hit_CylBox(cylinder, box));
+      ++boxes;
+    }
+    if (in_Cyl(cylinder, box)) {
+      ASSERT_TRUE(hit_CylBox(cylinder, box));
+      ++whole;
+    }
+    const T3DFAC f = {random.triple(-1, 1), random.triple(-1, 1), random.triple(-1, 1)};
+    if (inside((1 - w.x) * f.a + w.x * (1 - w.y) * f.b + w.x * w.y * f.c)) {
+      ASSERT_TRUE(hit_CylTri(cylinder, f));
+      ++triangles;
+    }
+  }
+  EXPECT_GT(boxes, 1000);
+  EXPECT_GT(triangles, 1000);
+  EXPECT_GT(whole, 100);
+}
+
+// ---- Slab --------------------------------------------------------------------------------------
+
+TEST(Slab, LeavesOutOnlyWhatIsWhollyOnOneSide) {
+  const T3DSLB slab = {kIdentity, 1, 3};
+  const auto box = [](double low, double high) { return make_Box({low, 0, 0}, {high, 1, 1}); };
+  const auto tri = [](double low, double high) {
+    return T3DFAC{{low, 0, 0}, {high, 1, 0}, {low, 0, 1}};
+  };
+  const struct {
+    double low, high;
+    bool hit;
+  } cases[] = {{-1, 0.9, false}, {-1, 1, true}, {-1, 2, true},  {1.5, 2, true},
+               {-9, 9, true},    {3, 4, true},  {3.1, 4, false}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(hit_SlabBox(slab, box(c.low, c.high)), c.hit) << c.low;
+    EXPECT_EQ(hit_SlabTri(slab, tri(c.low, c.high)), c.hit) << c.low;
+  }
+}
+
+TEST(Slab, WithoutAnAxis_TakesEverything) {
+  T3DSLB slab = {kIdentity, 1, 3};
+  slab.frm.x = {0, 0, 0};
+  EXPECT_TRUE(hit_SlabBox(slab, make_Box({50, 50, 50}, {51, 51, 51})));
+  EXPECT_TRUE(hit_SlabTri(slab, {{50, 0, 0}, {60, 0, 0}, {50, 1, 0}}));
+  EXPECT_TRUE(in_Slab(slab, make_Box({50, 50, 50}, {51, 51, 51})));
+}
+
+TEST(Slab, HoldsABoxWhole_WhenNoCornerIsOutside) {
+  const T3DSLB slab = {kIdentity, 1, 3};
+  EXPECT_TRUE(in_Slab(slab, make_Box({1, -9, -9}, {3, 9, 9})));
+  EXPECT_FALSE(in_Slab(slab, make_Box({0.9, 0, 0}, {2, 1, 1})));
+  EXPECT_FALSE(in_Slab(slab, make_Box({2, 0, 0}, {3.1, 1, 1})));
+}
+
+// ---- Sphere and circle -------------------------------------------------------------------------
+
+TEST(Sphere, ReachesABox_NoFartherThanItsRadius) {
+  const C3DAABB box = make_Box({0, 0, 0}, {1, 1, 1});
+  EXPECT_TRUE(hit_SphBox({{0.5, 0.5, 0.5}, 0}, box));
+  EXPECT_TRUE(hit_SphBox({{3, 0.5, 0.5}, 2}, box));
+  EXPECT_FALSE(hit_SphBox({{3, 0.5, 0.5}, 1.999}, box));
+  EXPECT_TRUE(hit_SphBox({{3, 3, 2}, 3}, box));
+  EXPECT_FALSE(hit_SphBox({{3, 3, 2}, 2.999}, box));
+}
+
+TEST(Sphere, HoldsABoxWhole_ByTheWideSphere) {
+  const T3DSPH sphere = {{0, 0, 0}, 1};
+  EXPECT_TRUE(in_Sph(sphere, make_Box({-0.1, -1.2, -0.1}, {0.1, -1.1, 0.1})));
+  EXPECT_EQ(cls_Sphere(sphere, {0, -1.2, 0}), '0');
+  EXPECT_FALSE(in_Sph(sphere, make_Box({-0.1, 0.9, -0.9}, {0.1, 0.95, -0.8})));
+  EXPECT_TRUE(in_Sph(sphere, make_Box({-0.1, -0.1, -0.1}, {0.1, 0.1, 0.1})));
+}
+
+TEST(Circle, ReachesABox_NoFartherThanItsRadius) {
+  C2DAABB box;
+  box.add({0, 0});
+  box.add({1, 1});
+  EXPECT_TRUE(hit_CircBox({{4, 5}, 5}, box));
+  EXPECT_FALSE(hit_CircBox({{4, 5}, 4.999}, box));
+  EXPECT_TRUE(hit_CircBox({{0.5, 0.5}, 0}, box));
+}
+
+TEST(Circle, HoldsABoxWhole_WhenNoCornerIsOutside) {
+  C2DAABB box;
+  box.add({-1, 0});
+  box.add({0, 1});
+  EXPECT_TRUE(in_Circ({{0, 0}, 2}, box));
+  EXPECT_FALSE(in_Circ({{0, 0}, 1}, box));
+  for (const T2DVEC& centre : {T2DVEC{0.5, 0.5}, {-1.5, 0.5}, {-0.5, 1.5}, {-0.5, -0.5}}) {
+    EXPECT_FALSE(in_Circ({centre, 1.5}, box));
+    EXPECT_TRUE(in_Circ({centre, 1.6}, box));
+  }
+}
+
+}  // namespace
+}  // namespace undercut

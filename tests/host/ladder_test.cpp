@@ -1,0 +1,169 @@
+#include "host/ladder.h"
+
+#include <algorithm>
+#include <random>
+
+#include "support.h"
+
+namespace undercut::host {
+namespace {
+
+std::vector<T3DVEC> make_Centres(uint32_t n) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> pick(0.0, 1.0);
+  std::vector<T3DVEC> centres;
+  for (uint32_t i = 0; i < n; ++i)
+    centres.push_back({10 * pick(random), pick(random), pick(random)});
+  return centres;
+}
+
+Patch make_Patch(uint32_t roi, uint32_t from, uint32_t to) {
+  Patch patch{roi, 0, {}};
+  for (uint32_t i = from; i < to; ++i) patch.triangles.push_back(i);
+  return patch;
+}
+
+// A library that fails where `bad` says so, and else makes one region of the whole patch.
+template <typename Bad>
+Attempt make_Library(const Bad& bad) {
+  return [bad](const std::vector<Patch>& patches, double aperture) {
+    std::vector<Outcome> outcomes;
+    for (const Patch& patch : patches) {
+      Outcome outcome;
+      if (bad(patch, aperture)) {
+        outcome.first = outcome.second = 11;
+      } else {
+        outcome.regions.push_back({patch.triangles, {}, {}});
+      }
+      outcomes.push_back(outcome);
+    }
+    return outcomes;
+  };
+}
+
+std::vector<uint32_t> all_Triangles(const Climb& climb) {
+  std::vector<uint32_t> all;
+  for (const Settled& s : climb.settled) {
+    all.insert(all.end(), s.patch.triangles.begin(), s.patch.triangles.end());
+  }
+  for (const Patch& p : climb.given_up)
+    all.insert(all.end(), p.triangles.begin(), p.triangles.end());
+  std::sort(all.begin(), all.end());
+  return all;
+}
+
+TEST(Ladder, RungsAreTheUsersApertureAndTheNarrowerOnes) {
+  EXPECT_EQ(make_Ladder(55).apertures, std::vector<double>({55, 40, 30, 25, 20, 15, 10}));
+  EXPECT_EQ(make_Ladder(25).apertures, std::vector<double>({25, 20, 15, 10}));
+  EXPECT_EQ(make_Ladder(5).apertures, std::vector<double>({5}));
+}
+
+TEST(Ladder, SuccessAtOnce_NeedsOneCall) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+                                   make_Library([](const Patch&, double) { return false; }));
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].aperture, 55.0);
+  EXPECT_EQ(climb.calls, 1u);
+  ASSERT_EQ(climb.notes.size(), 1u);
+  EXPECT_EQ(climb.notes[0].failed, 0u);
+}
+
+TEST(Ladder, ARetryOfTheLibraryThatSucceeded_IsNoFailure) {
+  const Attempt library = [](const std::vector<Patch>&, double) {
+    Outcome outcome;
+    outcome.first = 11;
+    return std::vector<Outcome>{outcome};
+  };
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 3)}, make_Ladder(55), make_Centres(3), library);
+  EXPECT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.notes[0].first, 11);
+}
+
+TEST(Ladder, GoesDownToTheFirstApertureThatSucceeds) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+                                   make_Library([](const Patch&, double a) { return a > 25; }));
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].aperture, 25.0);
+  EXPECT_EQ(climb.settled[0].patch.halvings, 0u);
+  EXPECT_EQ(climb.calls, 4u);
+  EXPECT_EQ(climb.notes[2].first, 11);
+  EXPECT_EQ(climb.notes[2].second, 11);
+}
+
+TEST(Ladder, HalvesWhatFailsOnEveryRungUntilItSucceeds) {
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 100)}, make_Ladder(12), make_Centres(100),
+                   make_Library([](const Patch& p, double) { return p.triangles.size() > 30; }));
+  EXPECT_EQ(climb.settled.size(), 4u);
+  for (const Settled& s : climb.settled) EXPECT_EQ(s.patch.halvings, 2u);
+  EXPECT_TRUE(climb.given_up.empty());
+  EXPECT_EQ(all_Triangles(climb), make_Patch(0, 0, 100).triangles);
+}
+
+TEST(Ladder, OneBadTriangle_IsGivenUpAlone) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 100)}, make_Ladder(55), make_Centres(100),
+                                   make_Library([](const Patch& p, double) {
+                                     return std::find(p.triangles.begin(), p.triangles.end(),
+                                                      42u) != p.triangles.end();
+                                   }));
+  ASSERT_EQ(climb.given_up.size(), 1u);
+  EXPECT_EQ(climb.given_up[0].triangles, std::vector<uint32_t>({42}));
+  EXPECT_EQ(all_Triangles(climb), make_Patch(0, 0, 100).triangles);
+}
+
+TEST(Ladder, EndsWhereEverythingFails) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 20000)}, make_Ladder(55), make_Centres(20000),
+                                   make_Library([](const Patch&, double) { return true; }));
+  EXPECT_TRUE(climb.settled.empty());
+  EXPECT_EQ(climb.given_up.size(), 4096u);
+  EXPECT_EQ(climb.calls, 7u * 13u);
+  EXPECT_EQ(all_Triangles(climb).size(), 20000u);
+}
+
+TEST(Ladder, WithoutHalvings_OneRungIsOneCall) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0}, make_Centres(9),
+                                   make_Library([](const Patch&, double) { return true; }));
+  EXPECT_EQ(climb.calls, 1u);
+  EXPECT_EQ(climb.given_up.size(), 1u);
+}
+
+TEST(Ladder, RegionsOfInterestGoTogetherAndOnlyThoseThatFailGoOn) {
+  std::vector<size_t> offered;
+  const Attempt inner = make_Library([](const Patch& p, double a) { return p.roi == 1 && a > 30; });
+  const Attempt library = [&](const std::vector<Patch>& patches, double aperture) {
+    offered.push_back(patches.size());
+    return inner(patches, aperture);
+  };
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 5), make_Patch(1, 5, 9), make_Patch(2, 9, 9)},
+                                   make_Ladder(55), make_Centres(9), library);
+  // The empty patch is never offered.
+  EXPECT_EQ(offered, std::vector<size_t>({2, 1, 1}));
+  EXPECT_EQ(climb.notes.size(), 4u);
+  EXPECT_EQ(climb.settled.back().patch.roi, 1u);
+  EXPECT_EQ(climb.settled.back().aperture, 30.0);
+}
+
+TEST(Halve, CutsAlongTheLongestExtentIntoEqualHalvesInFileOrder) {
+  const std::vector<T3DVEC> centres = make_Centres(101);
+  const std::vector<Patch> halves = halve_Patch(make_Patch(3, 0, 101), centres);
+  ASSERT_EQ(halves.size(), 2u);
+  EXPECT_EQ(halves[0].triangles.size(), 50u);
+  EXPECT_EQ(halves[1].triangles.size(), 51u);
+  EXPECT_EQ(halves[0].roi, 3u);
+  EXPECT_EQ(halves[1].halvings, 1u);
+  double low = 0.0, high = 10.0;
+  for (const uint32_t t : halves[0].triangles) low = std::max(low, centres[t].x);
+  for (const uint32_t t : halves[1].triangles) high = std::min(high, centres[t].x);
+  EXPECT_LE(low, high);
+  EXPECT_TRUE(std::is_sorted(halves[0].triangles.begin(), halves[0].triangles.end()));
+}
+
+TEST(Halve, TrianglesAtOnePlaceAreCutByNumber) {
+  const std::vector<Patch> halves = halve_Patch(make_Patch(0, 0, 4), std::vector<T3DVEC>(4));
+  EXPECT_EQ(halves[0].triangles, std::vector<uint32_t>({0, 1}));
+  EXPECT_EQ(halves[1].triangles, std::vector<uint32_t>({2, 3}));
+}
+
+}  // namespace
+}  // namespace undercut::host
