@@ -21,7 +21,7 @@ void note_Call(Climb& climb, const std::vector<Patch>& patches, double aperture,
       note = std::prev(notes.end());
     }
     ++note->patches;
-    note->failed += outcomes[i].failed() ? 1 : 0;
+    note->failed += outcomes[i].first != 0 ? 1 : 0;
     note->triangles += patches[i].triangles.size();
     if (note->first == 0) {
       note->first = outcomes[i].first;
@@ -33,21 +33,68 @@ void note_Call(Climb& climb, const std::vector<Patch>& patches, double aperture,
   climb.notes.insert(climb.notes.end(), notes.begin(), notes.end());
 }
 
-// Tries all patches at one aperture; returns those that failed.
-std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, double aperture,
+// A failed patch, taken to pieces.
+struct Pieces {
+  std::vector<uint32_t> settled;  // offered in the attempt that went through
+  std::vector<uint32_t> let_go;   // dealt with in passes whose regions are lost
+  std::vector<uint32_t> failed;
+};
+
+Pieces split_Failed(const Patch& patch, const Outcome& outcome) {
+  std::vector<uint32_t> kept = outcome.rest;
+  for (const FoundRegion& region : outcome.regions) {
+    kept.insert(kept.end(), region.triangles.begin(), region.triangles.end());
+  }
+  std::sort(kept.begin(), kept.end());
+  Pieces pieces;
+  std::vector<uint32_t>& known = outcome.second == 0 ? pieces.settled : pieces.failed;
+  for (const uint32_t triangle : patch.triangles) {
+    const bool is_kept = std::binary_search(kept.begin(), kept.end(), triangle);
+    (is_kept ? known : pieces.let_go).push_back(triangle);
+  }
+  return pieces;
+}
+
+// What is left to do on a rung, and what has to go on to the next one.
+struct Rung {
+  double aperture = 0.0;
+  std::vector<Patch> pending, failed;
+};
+
+void add_Patch(std::vector<Patch>& patches, const Patch& like, std::vector<uint32_t> triangles) {
+  if (!triangles.empty()) patches.push_back({like.roi, like.halvings, std::move(triangles)});
+}
+
+void sort_Failed(Climb& climb, Rung& rung, const Patch& patch, Outcome& outcome, bool again) {
+  Pieces pieces = split_Failed(patch, outcome);
+  const bool progress = pieces.let_go.size() < patch.triangles.size();
+  add_Patch(again && progress ? rung.pending : rung.failed, patch, std::move(pieces.let_go));
+  add_Patch(rung.failed, patch, std::move(pieces.failed));
+  if (pieces.settled.empty()) return;
+  climb.settled.push_back({{patch.roi, patch.halvings, std::move(pieces.settled)},
+                           rung.aperture,
+                           std::move(outcome.regions)});
+}
+
+// Tries all patches at one aperture; returns those that failed. What is offered again is fewer
+// triangles each time, so this ends.
+std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, double aperture, bool again,
                             const Attempt& attempt) {
-  ++climb.calls;
-  std::vector<Outcome> outcomes = attempt(patches, aperture);
-  note_Call(climb, patches, aperture, outcomes);
-  std::vector<Patch> failed;
-  for (size_t i = 0; i < patches.size(); ++i) {
-    if (outcomes[i].failed()) {
-      failed.push_back(std::move(patches[i]));
-    } else {
-      climb.settled.push_back({std::move(patches[i]), aperture, std::move(outcomes[i].regions)});
+  Rung rung{aperture, std::move(patches), {}};
+  while (!rung.pending.empty()) {
+    const std::vector<Patch> offered = std::exchange(rung.pending, {});
+    ++climb.calls;
+    std::vector<Outcome> outcomes = attempt(offered, aperture);
+    note_Call(climb, offered, aperture, outcomes);
+    for (size_t i = 0; i < offered.size(); ++i) {
+      if (outcomes[i].first == 0) {
+        climb.settled.push_back({offered[i], aperture, std::move(outcomes[i].regions)});
+      } else {
+        sort_Failed(climb, rung, offered[i], outcomes[i], again);
+      }
     }
   }
-  return failed;
+  return rung.failed;
 }
 
 double pick_Axis(const T3DVEC& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
@@ -73,7 +120,7 @@ int find_LongestAxis(const Patch& patch, const std::vector<T3DVEC>& centres) {
 }  // namespace
 
 LadderRules make_Ladder(double aperture) {
-  LadderRules rules{{aperture}, kMostHalvings};
+  LadderRules rules{{aperture}, kMostHalvings, true};
   for (const double rung : {40.0, 30.0, 25.0, 20.0, 15.0, 10.0}) {
     if (rung < aperture) rules.apertures.push_back(rung);
   }
@@ -105,7 +152,7 @@ Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
   std::erase_if(patches, [](const Patch& patch) { return patch.triangles.empty(); });
   while (!patches.empty()) {
     for (const double aperture : rules.apertures) {
-      if (!patches.empty()) patches = try_Rung(climb, std::move(patches), aperture, attempt);
+      patches = try_Rung(climb, std::move(patches), aperture, rules.again, attempt);
     }
     std::vector<Patch> halves;
     for (Patch& patch : patches) {

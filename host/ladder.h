@@ -29,12 +29,13 @@ struct FoundRegion {
   T3DFRM frame{};
 };
 
-// What became of a patch: the two codes of the library, and the regions.
+// What became of a patch.
 struct Outcome {
-  int32_t first = 0, second = 0;
-  std::vector<FoundRegion> regions;
-
-  bool failed() const { return second != 0; }
+  int32_t first = 0, second = 0;     // the library's codes of its two attempts
+  std::vector<FoundRegion> regions;  // of the attempt that went through
+  // The library's list as it was left. A second attempt runs on what earlier passes of the first
+  // left over, and the regions of those passes are lost.
+  std::vector<uint32_t> rest;
 };
 
 // Offers all patches at one aperture, in one call of the library; one outcome for each.
@@ -43,6 +44,7 @@ using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, do
 struct LadderRules {
   std::vector<double> apertures;  // the rungs, in the order of trial
   uint32_t most_halvings = 0;
+  bool again = false;  // offer again what a failed attempt let go of
 };
 
 struct Settled {
@@ -75,7 +77,8 @@ LadderRules make_Ladder(double aperture);
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres);
 
 // All patches start on the first rung together. Those that fail go down rung by rung; those that
-// fail on the last are halved and start anew.
+// fail on the last are halved and start anew. Where some passes of an attempt went well, the
+// triangles that they had dealt with are offered again on the same rung, without the rest.
 Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
                    const std::vector<T3DVEC>& centres, const Attempt& attempt);
 

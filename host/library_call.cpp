@@ -100,6 +100,10 @@ std::vector<FoundRegion> copy_Slot(const TUcRes& result, uint32_t slot) {
   return regions;
 }
 
+bool is_Doubtful(const Outcome& outcome) {
+  return outcome.first != 0 && outcome.second == 0 && outcome.rest.empty();
+}
+
 }  // namespace
 
 void set_Parameters(const CallRules& rules) {
@@ -131,15 +135,27 @@ LibraryCall::LibraryCall(Mesh& mesh, const CallRules& rules) : mesh_(mesh), rule
   set_Parameters(rules_);
 }
 
-int32_t LibraryCall::call_Library(const TUcReq& request, TUcRes& result) {
+void LibraryCall::call_Library(TUcReq& request, TUcRes& result) {
+  fs::path folder;
+  ++calls_;
+  if (!rules_.stage_folder.empty()) {
+    char name[32];
+    std::snprintf(name, sizeof name, "call-%03u", calls_);
+    folder = rules_.stage_folder / name;
+    std::snprintf(request.dir, sizeof request.dir, "%s", folder.c_str());
+  }
+  const WorkIn work(folder);
   Capture capture;
   const int32_t status = get_Dcm(&request, &result);
   add_StageTimes(capture.finish(), times_);
-  return status;
+  if (status != 0 && status != 1) {
+    throw RunError("the library refused the call with status " + std::to_string(status) + ": " +
+                   explain_Status(status) + ".");
+  }
+  status_ = std::max(status_, status);
 }
 
-std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, double aperture) {
-  dcm_win(&aperture);
+bool LibraryCall::run_Together(const std::vector<Patch>& patches, std::vector<Outcome>& outcomes) {
   // The library shortens the lists in place, so it gets copies.
   std::vector<std::vector<uint32_t>> triangles;
   std::vector<TLstU32> lists;
@@ -149,41 +165,47 @@ std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, double 
     const auto count = static_cast<uint32_t>(patch.triangles.size());
     lists.push_back({triangles.back().data(), count, count});
   }
-
   TUcReq request{};
   ini_Req(&request);
   request.msh = {mesh_.vertices.data(), static_cast<uint32_t>(mesh_.vertices.size()),
                  mesh_.triangles.data(), static_cast<uint32_t>(mesh_.triangles.size())};
   const auto count = static_cast<uint32_t>(lists.size());
   request.rois = {lists.data(), count, count};
-
-  fs::path folder;
-  ++calls_;
-  if (!rules_.stage_folder.empty()) {
-    char name[32];
-    std::snprintf(name, sizeof name, "call-%03u", calls_);
-    folder = rules_.stage_folder / name;
-    std::snprintf(request.dir, sizeof request.dir, "%s", folder.c_str());
-  }
-
   Result result;
-  {
-    const WorkIn work(folder);
-    const int32_t status = call_Library(request, result.record);
-    if (status != 0 && status != 1) {
-      throw RunError("the library refused the call with status " + std::to_string(status) + ": " +
-                     explain_Status(status) + ".");
-    }
-    status_ = std::max(status_, status);
-  }
+  call_Library(request, result.record);
 
-  // No list is empty, so slot i belongs to patch i.
-  std::vector<Outcome> outcomes(patches.size());
-  for (uint32_t i = 0; i < outcomes.size() && i < result.record.sts.count; ++i) {
+  // A second attempt on an empty list is skipped and uses no slot; one that took its whole list
+  // leaves an empty list too, but has one.
+  outcomes.assign(count, {});
+  uint32_t doubtful = 0;
+  for (uint32_t i = 0; i < count && i < result.record.sts.count; ++i) {
     const TUcSts status = result.record.sts.data[i];
-    outcomes[i] = {status.first, status.second, copy_Slot(result.record, i)};
+    const TLstU32 rest = lists[i];
+    outcomes[i] = {status.first, status.second, {}, {rest.data, rest.data + rest.count}};
+    doubtful += is_Doubtful(outcomes[i]) ? 1 : 0;
   }
-  return outcomes;
+  const uint32_t slots = result.record.uca_t.count;
+  const bool skipped = slots + doubtful == count;
+  if (slots != count && !skipped) return false;
+  uint32_t slot = 0;
+  for (Outcome& outcome : outcomes) {
+    if (slots != count && is_Doubtful(outcome)) continue;
+    outcome.regions = copy_Slot(result.record, slot++);
+  }
+  return true;
+}
+
+std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, double aperture) {
+  dcm_win(&aperture);
+  std::vector<Outcome> outcomes;
+  if (run_Together(patches, outcomes)) return outcomes;
+  // A list alone has one slot or none.
+  std::vector<Outcome> all;
+  for (const Patch& patch : patches) {
+    run_Together({patch}, outcomes);
+    all.push_back(std::move(outcomes[0]));
+  }
+  return all;
 }
 
 }  // namespace undercut::host

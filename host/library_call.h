@@ -37,7 +37,9 @@ class LibraryCall {
   int32_t status() const { return status_; }
 
  private:
-  int32_t call_Library(const TUcReq& request, TUcRes& result);
+  // One call; false where it can't be told whose the slots of the result are.
+  bool run_Together(const std::vector<Patch>& patches, std::vector<Outcome>& outcomes);
+  void call_Library(TUcReq& request, TUcRes& result);
 
   Mesh& mesh_;
   CallRules rules_;

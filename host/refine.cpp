@@ -88,12 +88,16 @@ void split_Edges(Refined& refined, const std::vector<Edge>& edges) {
 
 Refined refine_Mesh(const Mesh& mesh, double max_edge) {
   Refined refined{mesh, {}};
-  // No piece is larger than the equilateral triangle, so this many there will be at least.
+  // A piece is not larger than the equilateral triangle, and covers no more than `max_edge` of the
+  // longest edge, so this many there will be at least.
   const double largest = std::sqrt(3.0) / 4.0 * max_edge * max_edge;
   double pieces = 0.0;
   for (uint32_t i = 0; i < mesh.triangles.size(); ++i) {
     refined.origin.push_back(i);
-    pieces += area_Tri(mesh, i) / largest;
+    const T3DTRI& t = mesh.triangles[i];
+    const T3DVEC &a = mesh.vertices[t.a], &b = mesh.vertices[t.b], &c = mesh.vertices[t.c];
+    const double longest = std::max({len_Vec(b - a), len_Vec(c - b), len_Vec(a - c)});
+    pieces += std::max({1.0, area_Tri(mesh, i) / largest, longest / max_edge});
   }
   if (!(pieces <= static_cast<double>(kMostTriangles))) fail_TooMany();
   // Each round halves the longest edge at the worst, or doubles the triangles up to the limit.

@@ -12,7 +12,8 @@ constexpr TRgb kBlack = {0, 0, 0};
 
 uint8_t to_Byte(float component) {
   if (!(component > 0.0f)) return 0;
-  return component < 1.0f ? static_cast<uint8_t>(component * 255.0f) : 255;
+  if (component >= 1.0f) return 255;
+  return static_cast<uint8_t>(component * 255.0f);
 }
 
 TRgb to_Rgb(float r, float g, float b) { return {to_Byte(r), to_Byte(g), to_Byte(b)}; }

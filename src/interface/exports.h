@@ -97,24 +97,24 @@ UNDERCUT_ARR(TArrSts, TUcSts);
 
 /* The result. Only the fields of the computation that ran have a meaning. 368 bytes. */
 typedef struct TUcRes {
-  T3DFRM frm_a;      /* 0 */
-  T3DFRM frm_b;      /* 96 */
-  T3DFRM* lst;       /* 192: a frame for each region */
-  uint32_t n_lst;    /* 200 */
-  uint32_t gap_204;  /* 204 */
-  double* dfi;       /* 208: a depth for each triangle */
-  uint8_t* ucs;      /* 216: a byte for each triangle, 1 for undercut */
+  T3DFRM frm_a;        /* 0 */
+  T3DFRM frm_b;        /* 96 */
+  T3DFRM* lst;         /* 192: a frame for each region */
+  uint32_t n_lst;      /* 200 */
+  uint32_t gap_204;    /* 204 */
+  double* dfi;         /* 208: a depth for each triangle */
+  uint8_t* ucs;        /* 216: a byte for each triangle, 1 for undercut */
   uint8_t gap_224[16]; /* 224 */
-  TArrArrVec rma;    /* 240: rim curves */
-  TLstLstU32 com;    /* 252: components */
-  uint32_t gap_268;  /* 268 */
-  TUcStat* sta;      /* 272: statistics, one for each region */
-  TLstRgn uca_t;     /* 280: by region of interest and region: triangle indices */
-  TLstLstRay uca_a;  /* 296: likewise: centre, and direction of the tool, towards the part */
-  TLstLstFrm uca_f;  /* 312: likewise: local frame, Z along the tool axis */
-  TArrArrVec prj;    /* 328: moved points */
-  TLstLstRay nml;    /* 340 */
-  TArrSts sts;       /* 356: one record for each region of interest */
+  TArrArrVec rma;      /* 240: rim curves */
+  TLstLstU32 com;      /* 252: components */
+  uint32_t gap_268;    /* 268 */
+  TUcStat* sta;        /* 272: statistics, one for each region */
+  TLstRgn uca_t;       /* 280: by region of interest and region: triangle indices */
+  TLstLstRay uca_a;    /* 296: likewise: centre, and direction of the tool, towards the part */
+  TLstLstFrm uca_f;    /* 312: likewise: local frame, Z along the tool axis */
+  TArrArrVec prj;      /* 328: moved points */
+  TLstLstRay nml;      /* 340 */
+  TArrSts sts;         /* 356: one record for each region of interest */
 } TUcRes;
 
 #pragma pack(pop)
@@ -129,8 +129,8 @@ extern "C" {
  * and p_b as they are; allocates nothing. Returns 0. */
 UNDERCUT_API int32_t ini_Req(TUcReq* req);
 
-/* Empties a result from byte 192 on; frm_a and frm_b are left as they are. Frees nothing, so call it
- * on a new record, not on one that still holds results. Returns 0. */
+/* Empties a result from byte 192 on; frm_a and frm_b are left as they are. Frees nothing, so call
+ * it on a new record, not on one that still holds results. Returns 0. */
 UNDERCUT_API int32_t ini_Res(TUcRes* res);
 
 /* Frees every array of a result and empties its record; calling it twice is harmless. Returns 0. */
@@ -142,8 +142,8 @@ UNDERCUT_API int32_t clr_Sub(TLstU32* lst);
 
 /* ---- The registered mesh ---------------------------------------------------------------------*/
 
-/* Registers a mesh: copies it deeply and builds a tree and lists over it. The mesh and the lists of an
- * earlier call are not freed, since a host may still hold a view of them: call clr_Dll first.
+/* Registers a mesh: copies it deeply and builds a tree and lists over it. The mesh and the lists of
+ * an earlier call are not freed, since a host may still hold a view of them: call clr_Dll first.
  * Codes: -1 no vertex array, -2 no triangle array, -3 no vertices, -4 no triangles,
  * UNDERCUT_BAD_VERTEX; no memory for: -5 the copy, -6 the tree, -7 to -9 the lists, -10 to -12 the
  * bit vectors. After a failure call clr_Dll. */
@@ -159,9 +159,9 @@ UNDERCUT_API int32_t cnt_Tri(uint32_t* count);
  * library's, until clr_Dll: never pass it to clr_Sub. Returns 0. */
 UNDERCUT_API int32_t get_Roi(TLstU32* lst);
 
-/* Lists the shaded triangles of the registered mesh into `lst`, which is emptied first (not freed) and
- * must be released by clr_Sub. No computation shades a triangle, so the list is empty. Returns 0, or -1 for
- * no memory. */
+/* Lists the shaded triangles of the registered mesh into `lst`, which is emptied first (not freed)
+ * and must be released by clr_Sub. No computation shades a triangle, so the list is empty. Returns
+ * 0, or -1 for no memory. */
 UNDERCUT_API int32_t get_Shd(TLstU32* lst);
 
 /* ---- Computations ----------------------------------------------------------------------------*/
@@ -178,9 +178,9 @@ UNDERCUT_API int32_t get_Shd(TLstU32* lst);
  * Returns 0; 1 if a region of interest needed a second attempt or failed twice (see sts, code 11);
  * 4 bad mesh (null, empty, or a vertex index out of range); 5 no region of interest; 6 no memory at
  * the start; 7 no memory for bit vectors or tree; 8 more than three bands; 9 bands refused; 10 no
- * memory for the adjacency; 12 any other failure. Two failures can't be cured and hand nothing over:
- * -112 a frame file could not be opened, -143 a triangle could not be locked. A triangle index out
- * of range fails its region of interest. */
+ * memory for the adjacency; 12 any other failure. Two failures can't be cured and hand nothing
+ * over: -112 a frame file could not be opened, -143 a triangle could not be locked. A triangle
+ * index out of range fails its region of interest. */
 UNDERCUT_API int32_t get_Dcm(const TUcReq* req, TUcRes* res);
 
 /* For each region of cav: the sum of its triangle areas, and the largest value of `add` in it.

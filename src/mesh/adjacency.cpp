@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "mesh/edge_counts.h"
 
@@ -54,34 +55,70 @@ int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj&
   return 0;
 }
 
-// Counts the neighbours of each triangle; false as soon as there are more than a table holds.
-bool count_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t* counts, uint64_t& total) {
-  Scoped<TArr<uint32_t>> shared;
-  if (!alloc(*shared, msh.n_vtx)) return false;
-  total = 0;
-  visit_Edges(
-      msh, vtx_tri, shared->data, [](uint32_t) { return true; },
-      [&](uint32_t t, uint32_t, uint32_t others) {
-        total += others;
-        counts[t] += others;  // wraps only where the total is past the limit
-      });
-  return total <= UINT32_MAX;
+// What the search for neighbours needs beside its result.
+struct TScratch {
+  Scoped<TArr<uint32_t>> place;   // of edge k of triangle t, at 3 t + k: where its neighbours begin
+  Scoped<TArr<uint32_t>> vertex;  // a word for each vertex
+  Scoped<TArr<uint32_t>> next;    // three for each entry of the longest list of a vertex
+};
+
+bool init_Scratch(const T3DMSH& msh, const TAdj& vtx_tri, TScratch& scratch) {
+  uint32_t most = 0;
+  for (uint32_t v = 0; v < msh.n_vtx; ++v) most = std::max(most, vtx_tri.counts[v]);
+  return std::max(msh.n_tri, most) <= UINT32_MAX / 3 && alloc(*scratch.place, 3 * msh.n_tri) &&
+         alloc(*scratch.vertex, msh.n_vtx) && alloc(*scratch.next, 3 * most);
 }
 
-// Stores the other triangles at the edge from p to q of triangle t and returns the end of what it
-// wrote: each as often as p occurs in it, in rising order. Walks the end where fewer meet.
-uint32_t* store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t t, uint32_t p,
-                           uint32_t q, uint32_t* out) {
-  const bool at_p = vtx_tri.counts[p] <= vtx_tri.counts[q];
-  const uint32_t* list = vtx_tri.lists[at_p ? p : q];
-  const uint32_t count = vtx_tri.counts[at_p ? p : q];
-  const uint32_t opposite = at_p ? q : p;
-  for (uint32_t i = 0; i < count; ++i) {
-    const uint32_t j = list[i];
-    if (j == t || (i > 0 && j == list[i - 1]) || !has_Vtx(msh.tri[j], opposite)) continue;
-    out = std::fill_n(out, count_Corner(msh.tri[j], p), j);
+// Counts the neighbours of each triangle and places those of each edge; false if there are more
+// than a table holds.
+bool count_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, TScratch& scratch, uint32_t* counts,
+                      uint64_t& total) {
+  uint32_t* place = scratch.place->data;
+  total = 0;
+  visit_Edges(
+      msh, vtx_tri, scratch.vertex->data, [](uint32_t) { return true; },
+      [&](uint32_t t, uint32_t k, uint32_t others) {
+        total += others;
+        place[3 * t + k] = others;
+      });
+  if (total > UINT32_MAX) return false;
+  uint32_t sum = 0;
+  for (uint32_t t = 0; t < msh.n_tri; ++t) {
+    const uint32_t first = sum;
+    for (uint32_t k = 0; k < 3; ++k) sum += std::exchange(place[3 * t + k], sum);
+    counts[t] = sum - first;
   }
-  return out;
+  return true;
+}
+
+// Stores the neighbours over the edges that begin at p. The entries at p are chained by each corner
+// of their triangle, so that the search costs no more than its result: `head` holds kNone for each
+// vertex, before and after.
+void store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t p, TScratch& scratch,
+                      uint32_t* block) {
+  const uint32_t* list = vtx_tri.lists[p];
+  const uint32_t count = vtx_tri.counts[p];
+  uint32_t* head = scratch.vertex->data;
+  uint32_t* next = scratch.next->data;
+  for (uint32_t i = count; i-- > 0;) {
+    uint32_t link = 3 * i;  // and the two behind it
+    each_Corner(msh.tri[list[i]], [&](uint32_t q) {
+      next[link] = head[q];
+      head[q] = link++;
+    });
+  }
+  for (uint32_t i = 0; i < count; ++i) {
+    const uint32_t t = list[i];
+    if (i > 0 && t == list[i - 1]) continue;
+    for (uint32_t k = 0; k < 3; ++k) {
+      if (corner(msh.tri[t], k) != p) continue;
+      uint32_t* out = block + scratch.place->data[3 * t + k];
+      for (uint32_t e = head[corner(msh.tri[t], k + 1)]; e != kNone; e = next[e])
+        if (list[e / 3] != t) *out++ = list[e / 3];
+    }
+  }
+  for (uint32_t i = 0; i < count; ++i)
+    each_Corner(msh.tri[list[i]], [&](uint32_t q) { head[q] = kNone; });
 }
 
 }  // namespace
@@ -117,14 +154,15 @@ int32_t adj_TriTri(const T3DMSH& msh, const TAdj& vtx_tri, TAdj& out) {
   if (!alloc_Lists(*adj, msh.n_tri)) return -3;
   adj->counts = new_Zeroed<uint32_t>(msh.n_tri);
   if (!adj->counts) return -4;
+  TScratch scratch;
   uint64_t total = 0;
-  if (!count_Neighbours(msh, vtx_tri, adj->counts, total) || !alloc_Block(*adj, msh.n_tri, total))
+  if (!init_Scratch(msh, vtx_tri, scratch) ||
+      !count_Neighbours(msh, vtx_tri, scratch, adj->counts, total) ||
+      !alloc_Block(*adj, msh.n_tri, total))
     return -5;
-  uint32_t* end = adj->lists[0];
-  for (uint32_t t = 0; t < msh.n_tri; ++t)
-    for (uint32_t k = 0; k < 3; ++k)
-      end =
-          store_Neighbours(msh, vtx_tri, t, corner(msh.tri[t], k), corner(msh.tri[t], k + 1), end);
+  std::fill_n(scratch.vertex->data, msh.n_vtx, kNone);
+  for (uint32_t p = 0; p < msh.n_vtx; ++p)
+    store_Neighbours(msh, vtx_tri, p, scratch, adj->lists[0]);
   out = adj.take();
   return 0;
 }

@@ -1,29 +1,27 @@
 // Why no node is passed over that holds a triangle whose box passes hit_Box.
 //
-// Let M be the largest coordinate of tree and org, D the largest component of dir, and scale the
-// ray's parameter by D. A child's box is rounded outwards to single precision. Instead of org the
-// lower bounds of boxes are measured from a point raised by at least p = M / 2^23 on each axis and
-// the upper ones from a point lowered by it, which also covers its rounding to single precision;
-// the inverses of dir are cut off at 2^40. So with u = 2^-24:
-// - where a box is entered, the computed parameter is at most the true one times 1 + 4u, or
-// negative;
-// - where it is left, which for a box that passes lies in front of org on each axis, the computed
-// one
-//   is at least the true one times 1 - 4u; or, where the inverse was cut off or dir is 0, it is at
-//   least p 2^40 (1 - 4u), far beyond 2 M, where the ray has left the tree along its longest
-//   component. Such an axis never decides.
-// hit_Box compares the same parameters, each wrong by 2^-51 of itself at most. Hence a box that
-// passes it passes here if the end of the range is raised by 16u and its begin is held to 0 at
-// least. Numbers so small or large that single precision would overflow or lose its relative
-// precision are kept out: M lies between 2^-60 and 2^60 (p is far above the smallest differences
-// that underflow could touch), D between 2^-100 and 2^100.
+// Let M be the largest coordinate of the tree and of org, D the largest component of dir, u =
+// 2^-24, and measure along the ray in units of 1 / D. A bound n of a box lies at (n - org) D / dir,
+// per axis; the numbers n, org and D / dir are used here as they round to single precision. In
+// return, where a box is entered org is moved towards it by 16 u M, and away from it where it is
+// left.
+// - Rounding moves n and org by less than 3 u M together, so n - org errs by at least 13 u M to the
+//   safe side. It is 2 M at most; rounding the difference, the quotient and the product adds less
+//   than 7 u M times the quotient. So the ray enters a box here earlier than in truth by 6 u M D /
+//   dir at least, and leaves it later by as much: far more than the 2^-51 of themselves by which
+//   the numbers of hit_Box may err. A box that begins behind org is taken to begin at org.
+// - Quotients above 2^40, infinite ones too, are cut off there. A box is then entered still
+// earlier.
+//   It is left, if it passes, no sooner than at 13 u M 2^40, which lies beyond 2 M: where the ray
+//   has left it along its longest component. So that axis does not decide.
+// M from 2^-60 to 2^60 and D from 2^-100 to 2^100 keep all this clear of overflow and underflow;
+// other rays and trees are not taken.
 #include "mesh/ray_tree.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <limits>
 #include <utility>
 
 #include "foundation/primitives.h"
@@ -39,8 +37,7 @@ constexpr int kLanes = 4;
 constexpr double kLeastReach = 0x1p-60, kMostReach = 0x1p60;
 constexpr double kLeastDir = 0x1p-100, kMostDir = 0x1p100;
 constexpr double kMostInverse = 0x1p40;
-constexpr double kLift = 0x1p-22;          // p, and as much again for rounding to single precision
-constexpr float kRaise = 1.0f + 0x1p-20f;  // 1 + 16u
+constexpr double kLift = 0x1p-20;  // 16 u
 
 double max_Abs(const T3DVEC& v) {
   return std::max(std::max(std::fabs(v.x), std::fabs(v.y)), std::fabs(v.z));
@@ -48,12 +45,6 @@ double max_Abs(const T3DVEC& v) {
 bool is_Finite(const T3DVEC& v) {
   return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
 }
-
-float round_Down(double x) {
-  const auto f = static_cast<float>(x);
-  return f > x ? std::nextafterf(f, -std::numeric_limits<float>::infinity()) : f;
-}
-float round_Up(double x) { return -round_Down(-x); }
 
 // ---- Build -------------------------------------------------------------------------------------
 
@@ -197,8 +188,8 @@ class TRayBuilder {
     const double low[3] = {box.min.x, box.min.y, box.min.z};
     const double high[3] = {box.max.x, box.max.y, box.max.z};
     for (int axis = 0; axis < 3; ++axis) {
-      node.bounds[2 * axis][k] = round_Down(low[axis]);
-      node.bounds[2 * axis + 1][k] = round_Up(high[axis]);
+      node.bounds[2 * axis][k] = static_cast<float>(low[axis]);
+      node.bounds[2 * axis + 1][k] = static_cast<float>(high[axis]);
     }
     node.child[k] = child;
   }
@@ -260,7 +251,7 @@ class TReach {
                                  greater(enter(node, k, 2), fill_Lanes(0.0f)));
     const TLanes end = lesser(lesser(leave(node, k, 0), leave(node, k, 1)), leave(node, k, 2));
     store_Lanes(near + k, begin);
-    return not_Above(begin, end * fill_Lanes(kRaise));
+    return not_Above(begin, end);
   }
   TLanes enter(const TRayNode& node, int k, int axis) const {
     return (load_Lanes(node.bounds[row_[axis]] + k) - near_org_[axis]) * inverse_[axis];

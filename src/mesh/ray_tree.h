@@ -1,12 +1,12 @@
 // A second tree over the triangles of a box tree, for the one question that is asked by the hundred
 // million: does a ray hit anything?
 //
-// Four children a node, with boxes in single precision, tested all four at once (wide bounding
-// volume hierarchies: I. Wald, C. Benthin, S. Boulos, Getting Rid of Packets, 2008). The nodes only
-// choose which triangles are looked at; each of those is decided by hit_Box with its own box and
-// hit_Tri, in double precision. So the answer is that of a loop over all triangles, provided that
-// no node is passed over which holds a triangle whose own box passes hit_Box. ray_tree.cpp shows
-// that it is so.
+// Eight children a node, with boxes in single precision, tested four at once (wide bounding volume
+// hierarchies: I. Wald, C. Benthin, S. Boulos, Getting Rid of Packets, 2008). The nodes only choose
+// which triangles are looked at; each of those is decided by hit_Box with its own box and hit_Tri,
+// in double precision. So the answer is that of a loop over all triangles, provided that no node is
+// passed over which holds a triangle whose own box passes hit_Box. ray_tree.cpp shows that it is
+// so.
 #pragma once
 
 #include <cstdint>

@@ -179,6 +179,16 @@ TEST(RegionSums, WorkOnRecordsAtAMultipleOf4Bytes) {
   EXPECT_EQ(clr_Res(res), 0);
 }
 
+TEST(RegionSums, CheckTheIndicesOfAllRegionsThatTheyRead) {
+  TSquareRequest r;
+  r.regions = {{0}, {4}};
+  r.fill();
+  r.req.cav.count = 0;
+  EXPECT_EQ(r.call(), UNDERCUT_BAD_TRIANGLE);
+  r.req.cav.capacity = 1;
+  EXPECT_EQ(r.call(), 0);
+}
+
 // One fault for each code, in the order of the checks. The last two are told before -8 and after
 // -7.
 struct TFault {

@@ -1,5 +1,7 @@
 #include "files/file.h"
 
+#include <locale.h>
+
 #include <clocale>
 #include <cstdlib>
 
@@ -63,6 +65,7 @@ class CommaLocale : public InFolder {
  protected:
   void SetUp() override {
     InFolder::SetUp();
+    uselocale(LC_GLOBAL_LOCALE);  // what an earlier test has left must not hide the host's
     for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
       if (set(name)) return;
     const char* make = "localedef -i de_DE -f ISO-8859-1 ./comma >/dev/null 2>&1";

@@ -151,6 +151,7 @@ TEST_F(Progress, NumbersBeyond32Bits_ShowNothing) {
   EXPECT_EQ(step(1), "");
   begin(1, 1, 1);
   EXPECT_EQ(step(0xFFFFFFFF), "");
+  EXPECT_EQ(step(30000000), "");  // only the percent is too large
   EXPECT_EQ(step(2), "\r200 %");
 }
 

@@ -32,19 +32,26 @@ TEST(Cylinder, TakesABoxThatItsAxisMeets_ForwardAndBackward) {
 
 TEST(Cylinder, TakesABoxByAnyOfItsTwelveEdges_NoFartherThanTheRadius) {
   const C3DAABB box = make_Box({-1, -1, -1}, {1, 1, 1});
-  for (const T3DVEC& axis : {T3DVEC{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}) {
-    // Past the four edges along the axis, diagonally: a distance of sqrt(2) from each.
-    const T3DVEC u = {axis.y, axis.z, axis.x}, v = {axis.z, axis.x, axis.y};
-    for (const double su : {-2.0, 2.0}) {
-      for (const double sv : {-2.0, 2.0}) {
-        const T3DVEC org = su * u + sv * v;
-        EXPECT_TRUE(hit_CylBox(make_Cylinder(org, axis, 1.4143), box));
-        EXPECT_FALSE(hit_CylBox(make_Cylinder(org, axis, 1.4142), box));
+  for (const T3DVEC& along : {T3DVEC{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}) {
+    const T3DVEC u = {along.y, along.z, along.x}, v = {along.z, along.x, along.y};
+    for (const double su : {-1.0, 1.0}) {
+      for (const double sv : {-1.0, 1.0}) {
+        // Across the edge, half a unit from its middle.
+        const T3DVEC out = unit(su * u + sv * v);
+        const T3DVEC org = su * u + sv * v + 0.5 * out;
+        const T3DVEC axis = cross(along, out);
+        EXPECT_TRUE(hit_CylBox(make_Cylinder(org, axis, 0.5001), box));
+        EXPECT_FALSE(hit_CylBox(make_Cylinder(org, axis, 0.4999), box));
       }
     }
   }
-  EXPECT_TRUE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 2), box));
-  EXPECT_FALSE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 1.999), box));
+}
+
+TEST(Cylinder, AlongAnEdgeOfABox_ReachesItByItsDistance) {
+  const C3DAABB box = make_Box({-1, -1, -1}, {1, 1, 1});
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({2, 2, 50}, {0, 0, 1}, 1.4143), box));
+  EXPECT_FALSE(hit_CylBox(make_Cylinder({2, 2, 50}, {0, 0, 1}, 1.4142), box));
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 2.2361), box));
 }
 
 TEST(Cylinder, TakesATriangleByItsAxisOrItsEdges) {
@@ -166,9 +173,11 @@ TEST(Circle, HoldsABoxWhole_WhenNoCornerIsOutside) {
   box.add({0, 1});
   EXPECT_TRUE(in_Circ({{0, 0}, 2}, box));
   EXPECT_FALSE(in_Circ({{0, 0}, 1}, box));
-  for (const T2DVEC& centre : {T2DVEC{0.5, 0.5}, {-1.5, 0.5}, {-0.5, 1.5}, {-0.5, -0.5}}) {
-    EXPECT_FALSE(in_Circ({centre, 1.5}, box));
-    EXPECT_TRUE(in_Circ({centre, 1.6}, box));
+  for (const double dx : {-0.25, 0.25}) {
+    for (const double dy : {-0.25, 0.25}) {  // one corner is farthest, at 1.06
+      EXPECT_FALSE(in_Circ({{-0.5 + dx, 0.5 + dy}, 1.05}, box));
+      EXPECT_TRUE(in_Circ({{-0.5 + dx, 0.5 + dy}, 1.07}, box));
+    }
   }
 }
 

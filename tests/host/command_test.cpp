@@ -105,7 +105,7 @@ TEST_F(Command, StageFiles_WithAPathTooLong_AreAUsageError) {
 }
 
 TEST_F(Command, AFailedRegionOfInterest_IsStatusOneWithResults) {
-  // A stage file that cannot be opened fails the region of interest in both attempts.
+  // A stage file that cannot be opened fails the region of interest.
   fs::create_directories(folder.path / "out/stages/call-001");
   folder.write("out/stages/call-001/13-end", "in the way");
   const Ran ran = run("decompose part.stl --plain --stage-files -o out");
@@ -114,7 +114,8 @@ TEST_F(Command, AFailedRegionOfInterest_IsStatusOneWithResults) {
   const Json json = Json::parse(load_File(folder.path / "out/regions.json"));
   EXPECT_EQ(json["status"], "failed");
   EXPECT_EQ(json["library_status"], 1);
-  EXPECT_EQ(json["regions_of_interest"][0]["codes"], Json({{"first", 11}, {"second", 11}}));
+  EXPECT_EQ(json["regions_of_interest"][0]["codes"]["first"], 11);
+  EXPECT_EQ(json["regions_of_interest"][0]["needed"]["given_up"], 288);
   EXPECT_EQ(json["regions_of_interest"][0]["free"]["count"], 288);
 }
 
@@ -125,7 +126,7 @@ TEST_F(Command, AFailedAttempt_IsFollowedByTheNextRung) {
   EXPECT_EQ(ran.status, 0) << ran.err;
   const Json json = Json::parse(ran.out);
   EXPECT_EQ(json["calls"], 2);
-  EXPECT_EQ(json["regions_of_interest"][0]["needed"]["narrowest_aperture"], 40.0);
+  EXPECT_GT(json["covered"].get<double>(), 0.5);
 }
 
 TEST_F(Command, UsageErrors_AreStatusTwoWithoutResults) {

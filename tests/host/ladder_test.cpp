@@ -32,6 +32,7 @@ Attempt make_Library(const Bad& bad) {
       Outcome outcome;
       if (bad(patch, aperture)) {
         outcome.first = outcome.second = 11;
+        outcome.rest = patch.triangles;
       } else {
         outcome.regions.push_back({patch.triangles, {}, {}});
       }
@@ -68,16 +69,76 @@ TEST(Ladder, SuccessAtOnce_NeedsOneCall) {
   EXPECT_EQ(climb.notes[0].failed, 0u);
 }
 
-TEST(Ladder, ARetryOfTheLibraryThatSucceeded_IsNoFailure) {
-  const Attempt library = [](const std::vector<Patch>&, double) {
-    Outcome outcome;
-    outcome.first = 11;
-    return std::vector<Outcome>{outcome};
+// A library whose first call deals with triangles 0 to 5 and fails on the others; what the second
+// attempt makes of those is told by its code. Later calls succeed.
+Attempt make_HalfFailing(int32_t second, std::vector<std::vector<uint32_t>>& offered) {
+  return [second, &offered](const std::vector<Patch>& patches, double) {
+    std::vector<Outcome> outcomes(patches.size());
+    for (size_t i = 0; i < patches.size(); ++i) {
+      offered.push_back(patches[i].triangles);
+      if (offered.size() > 1) {
+        outcomes[i].regions.push_back({patches[i].triangles, {}, {}});
+        continue;
+      }
+      outcomes[i].first = 11;
+      outcomes[i].second = second;
+      outcomes[i].rest = {8, 7};
+      if (second != 0) outcomes[i].rest.push_back(6);
+      if (second == 0) outcomes[i].regions.push_back({{6}, {}, {}});
+    }
+    return outcomes;
+  };
+}
+
+using Lists = std::vector<std::vector<uint32_t>>;
+
+TEST(Ladder, WhatASecondAttemptLetGoOf_IsOfferedAgainAtTheSameAperture) {
+  Lists offered;
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+                                   make_HalfFailing(0, offered));
+  EXPECT_EQ(offered[1], std::vector<uint32_t>({0, 1, 2, 3, 4, 5}));
+  ASSERT_EQ(climb.settled.size(), 2u);
+  EXPECT_EQ(climb.settled[0].patch.triangles, std::vector<uint32_t>({6, 7, 8}));
+  EXPECT_EQ(climb.settled[0].regions[0].triangles, std::vector<uint32_t>({6}));
+  EXPECT_EQ(climb.settled[1].aperture, 55.0);
+  EXPECT_EQ(climb.notes[0].first, 11);
+  EXPECT_TRUE(climb.given_up.empty());
+}
+
+TEST(Ladder, OfATwofoldFailure_OnlyTheRestGoesDown) {
+  Lists offered;
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+                                   make_HalfFailing(11, offered));
+  EXPECT_EQ(offered, Lists({{0, 1, 2, 3, 4, 5, 6, 7, 8}, {0, 1, 2, 3, 4, 5}, {6, 7, 8}}));
+  ASSERT_EQ(climb.settled.size(), 2u);
+  EXPECT_EQ(climb.settled[0].aperture, 55.0);
+  EXPECT_EQ(climb.settled[1].aperture, 40.0);
+}
+
+TEST(Ladder, PlainlyCalled_WhatTheLibraryLetGoOfIsGivenUp) {
+  Lists offered;
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0, false}, make_Centres(9),
+                                   make_HalfFailing(0, offered));
+  EXPECT_EQ(offered.size(), 1u);
+  ASSERT_EQ(climb.given_up.size(), 1u);
+  EXPECT_EQ(climb.given_up[0].triangles, std::vector<uint32_t>({0, 1, 2, 3, 4, 5}));
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].regions.size(), 1u);
+}
+
+TEST(Ladder, ASecondAttemptThatWasSkipped_IsAFailureOfTheWholePatch) {
+  uint32_t calls = 0;
+  const Attempt library = [&](const std::vector<Patch>& patches, double) {
+    std::vector<Outcome> outcomes(patches.size());
+    if (++calls == 1) outcomes[0].first = 11;
+    return outcomes;
   };
   const Climb climb =
-      climb_Ladder({make_Patch(0, 0, 3)}, make_Ladder(55), make_Centres(3), library);
-  EXPECT_EQ(climb.settled.size(), 1u);
-  EXPECT_EQ(climb.notes[0].first, 11);
+      climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9), library);
+  EXPECT_EQ(calls, 2u);
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].aperture, 40.0);
+  EXPECT_EQ(climb.settled[0].patch.triangles.size(), 9u);
 }
 
 TEST(Ladder, GoesDownToTheFirstApertureThatSucceeds) {
@@ -122,7 +183,7 @@ TEST(Ladder, EndsWhereEverythingFails) {
 }
 
 TEST(Ladder, WithoutHalvings_OneRungIsOneCall) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0}, make_Centres(9),
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0, false}, make_Centres(9),
                                    make_Library([](const Patch&, double) { return true; }));
   EXPECT_EQ(climb.calls, 1u);
   EXPECT_EQ(climb.given_up.size(), 1u);

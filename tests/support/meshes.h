@@ -117,9 +117,9 @@ inline TSoup make_Sphere(uint32_t rings, uint32_t sectors, double radius) {
 
 // Triangles over few vertices: edges of many triangles, repeated triangles, triangles with equal
 // corner indices, and triangles whose corners differ by index and coincide by coordinates.
-inline TSoup make_Tangle(reference::Random& random, uint32_t vertices, uint32_t triangles) {
+inline TSoup make_Tangle(reference::Random& random, uint64_t vertices, uint64_t triangles) {
   TSoup soup;
-  for (uint32_t v = 0; v < vertices; ++v)
+  for (uint64_t v = 0; v < vertices; ++v)
     soup.vtx.push_back(v > 2 && random.chance(0.1) ? soup.vtx[random.below(v)]
                                                    : random.triple(-5, 5));
   const auto pick = [&] { return static_cast<uint32_t>(random.below(vertices)); };
