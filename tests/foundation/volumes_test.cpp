@@ -51,7 +51,8 @@ TEST(Cylinder, AlongAnEdgeOfABox_ReachesItByItsDistance) {
   const C3DAABB box = make_Box({-1, -1, -1}, {1, 1, 1});
   EXPECT_TRUE(hit_CylBox(make_Cylinder({2, 2, 50}, {0, 0, 1}, 1.4143), box));
   EXPECT_FALSE(hit_CylBox(make_Cylinder({2, 2, 50}, {0, 0, 1}, 1.4142), box));
-  EXPECT_TRUE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 2.2361), box));
+  EXPECT_TRUE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 2), box));
+  EXPECT_FALSE(hit_CylBox(make_Cylinder({3, 0, 0}, {0, 0, 1}, 1.999), box));
 }
 
 TEST(Cylinder, TakesATriangleByItsAxisOrItsEdges) {
