@@ -152,6 +152,7 @@ TEST(AVLTree, Removal_RebalancesAllTheWayUp) {
 
 TEST(AVLTree, BehavesLikeAMapAndStaysBalanced) {
   std::mt19937_64 random(41);
+  SCOPED_TRACE("seed 41");
   for (int32_t range : {3, 10, 60, 400}) {
     Tree tree;
     std::map<int32_t, int32_t> plain;

@@ -8,6 +8,7 @@
 
 #include "foundation/arrays.h"
 #include "tests/support/allocations.h"
+#include "tests/support/intensity.h"
 
 namespace undercut {
 namespace {
@@ -306,8 +307,9 @@ TEST(BitVector, FailingMemory_LeavesItEmpty) {
 
 TEST(BitVector, BehavesLikeAVectorOfBools) {
   std::mt19937_64 random(11);
-  for (int round = 0; round < 60; ++round) {
-    const size_t size = 1 + random() % (round < 30 ? 20 : 700);
+  SCOPED_TRACE("seed 11");
+  for (uint32_t round = 0; round < tests::scale_Cases(60); ++round) {
+    const size_t size = 1 + random() % (round % 2 ? 20 : 700);
     std::vector<bool> plain(size, false), other(size, false);
     CBitVector bits = make_Bits(plain);
     for (int step = 0; step < 60; ++step) {

@@ -33,6 +33,7 @@ TYPED_TEST(QueueStack, StartsEmptyAndPopsNothing) {
 
 TYPED_TEST(QueueStack, BehavesLikeADeque) {
   std::mt19937_64 random(31);
+  SCOPED_TRACE("seed 31");
   TNodePool<TLinkNode> pool;
   ASSERT_TRUE(pool.init(50));
   for (bool pooled : {false, true}) {

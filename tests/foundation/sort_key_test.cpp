@@ -10,6 +10,7 @@
 
 #include "tests/reference/plain_sort.h"
 #include "tests/support/allocations.h"
+#include "tests/support/intensity.h"
 
 namespace undercut {
 namespace {
@@ -80,6 +81,7 @@ TEST(SortKey, RecordsOutsideTheRangeStay) {
 
 TEST(SortKey, SortsAscending) {
   std::mt19937_64 random(51);
+  SCOPED_TRACE("seed 51");
   std::uniform_real_distribution<double> value(-1, 1);
   std::vector<double> keys(5000);
   for (double& key : keys) key = value(random);
@@ -93,6 +95,7 @@ TEST(SortKey, EqualsThePlainFormOnAllSmallArraysOfFewKeys) {
   for (int size = 9; size <= 12; ++size) {
     const int cases = size <= 10 ? 59049 : 40000;
     std::mt19937_64 random(52);
+    SCOPED_TRACE("seed 52");
     for (int n = 0; n < cases; ++n) {
       std::vector<double> keys(size);
       uint64_t digits = size <= 10 ? static_cast<uint64_t>(n) : random();
@@ -105,7 +108,8 @@ TEST(SortKey, EqualsThePlainFormOnAllSmallArraysOfFewKeys) {
 
 TEST(SortKey, EqualsThePlainFormWithManyEqualKeys) {
   std::mt19937_64 random(53);
-  for (int round = 0; round < 3000; ++round) {
+  SCOPED_TRACE("seed 53");
+  for (uint32_t round = 0; round < tests::scale_Cases(1000); ++round) {
     const size_t size = random() % (round % 10 ? 400 : 4000);
     const uint64_t values = 1 + random() % (round % 2 ? 4 : 400);
     std::vector<double> keys(size);
@@ -122,6 +126,7 @@ TEST(SortKey, EqualsThePlainFormWithKeysThatAreAllEqual) {
 
 TEST(SortKey, ZeroAndNegativeZeroAreEqualKeys) {
   std::mt19937_64 random(54);
+  SCOPED_TRACE("seed 54");
   for (size_t size = 0; size < 300; ++size) {
     std::vector<double> keys(size);
     for (double& key : keys) key = random() % 2 ? 0.0 : -0.0;
@@ -137,7 +142,8 @@ TEST(SortKey, ZeroAndNegativeZeroAreEqualKeys) {
 TEST(SortKey, KeysThatAreNotNumbersAreHarmless) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   std::mt19937_64 random(55);
-  for (int round = 0; round < 2000; ++round) {
+  SCOPED_TRACE("seed 55");
+  for (uint32_t round = 0; round < tests::scale_Cases(1000); ++round) {
     const size_t size = random() % (round % 10 ? 300 : 3000);
     const uint64_t share = random() % 11;
     std::vector<double> keys(size);

@@ -222,6 +222,7 @@ TEST(Angle, AZeroVectorGivesItsSentinel) {
 
 TEST(Angle, ParallelVectorsGiveZero_WhereTheCosineRoundsAboveOne) {
   std::mt19937_64 random(1);
+  SCOPED_TRACE("seed 1");
   int above = 0;
   for (int i = 0; i < 10000; ++i) {
     const T3DVEC a = rnd_Vec(random), b = 3.0 * a;
@@ -333,6 +334,7 @@ TEST(Matrices, TheIdentityHasAUnitDiagonal) {
 
 TEST(Matrices, RigidInverse_UndoesAnOrthonormalFrame) {
   std::mt19937_64 random(2);
+  SCOPED_TRACE("seed 2");
   for (int n = 0; n < 100; ++n) {
     const T3DVEC origin = rnd_Vec(random), direction = rnd_Vec(random);
     T3DMAT mat, inverse;
@@ -358,6 +360,7 @@ TEST(Matrices, RigidInverse_TransposesWhateverItGets) {
 
 TEST(Frames, LocalAndWorldUndoEachOther) {
   std::mt19937_64 random(3);
+  SCOPED_TRACE("seed 3");
   for (int n = 0; n < 100; ++n) {
     const T3DVEC origin = rnd_Vec(random), direction = rnd_Vec(random), p = rnd_Vec(random);
     const T3DFRM frm = frm_Ray({origin, direction});
@@ -437,6 +440,7 @@ TEST(FrameOfARay, HasTheDirectionAsItsZAxis) {
 
 TEST(FrameOfARay, IsOrthonormalAndRightHanded) {
   std::mt19937_64 random(4);
+  SCOPED_TRACE("seed 4");
   for (int n = 0; n < 1000; ++n) {
     const T3DVEC d = rnd_Vec(random);
     const T3DFRM frm = frm_Ray({{}, d});
