@@ -8,7 +8,7 @@
 namespace undercut::host {
 namespace {
 
-constexpr uint32_t kMostHalvings = 12;
+constexpr uint32_t kMostHalvings = 20;
 
 void note_Call(Climb& climb, const std::vector<Patch>& patches, double aperture,
                const std::vector<Outcome>& outcomes) {

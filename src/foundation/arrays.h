@@ -1,6 +1,6 @@
 // Allocation and release of the plain array records. Arrays are allocated once at their final size
-// and never grow. Every allocation is told by false, never by an exception; a count of 0 succeeds and
-// leaves the record empty.
+// and never grow. Every allocation is told by false, never by an exception; a count of 0 succeeds
+// and leaves the record empty.
 #pragma once
 
 #include <cstdint>

@@ -7,8 +7,8 @@
 
 namespace undercut {
 
-// An empty box is inverted, so that merging anything into it yields that thing. Coordinates that are
-// not a number leave a box as it is.
+// An empty box is inverted, so that merging anything into it yields that thing. Coordinates that
+// are not a number leave a box as it is.
 class C3DAABB {
  public:
   T3DVEC min, max;

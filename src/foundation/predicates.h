@@ -1,10 +1,11 @@
-// Orientation and in-circle tests after J. R. Shewchuk, Adaptive Precision Floating-Point Arithmetic
-// and Fast Robust Geometric Predicates, 1997, with every constant of the filters left at zero.
+// Orientation and in-circle tests after J. R. Shewchuk, Adaptive Precision Floating-Point
+// Arithmetic and Fast Robust Geometric Predicates, 1997, with every constant of the filters left at
+// zero.
 //
-// With error bounds of zero, the plain determinant is the answer wherever it is not exactly zero (and
-// always, in orient2d); where it is, the first adaptive stage sums the rounded products anew, and that
-// sum is the answer. Near-degenerate input is not resolved exactly, on purpose: which points count as
-// collinear or on a circle hangs on these very roundings.
+// With error bounds of zero, the plain determinant is the answer wherever it is not exactly zero
+// (and always, in orient2d); where it is, the first adaptive stage sums the rounded products anew,
+// and that sum is the answer. Near-degenerate input is not resolved exactly, on purpose: which
+// points count as collinear or on a circle hangs on these very roundings.
 #pragma once
 
 namespace undercut {

@@ -53,7 +53,8 @@ inline int sgn_Pln(const T3DRAY& plane, const T3DVEC& p) {
 char cls_Seg2(const T2DVEC& p, const T2DVEC& e, const T2DVEC& f);
 char cls_Seg2X(const T2DVEC& p, const T2DVEC& e, const T2DVEC& f);
 
-// Point classifiers: 0 r 1, and ? for degenerate input.
+// Point classifiers: 0 r 1, and ? for degenerate input. Outside a sphere or a circle is also what
+// is not a number.
 char cls_Box2(const C2DAABB& box, const T2DVEC& p);
 char cls_Box3(const C3DAABB& box, const T3DVEC& p);
 char cls_Sphere(const T3DSPH& sphere, const T3DVEC& p);

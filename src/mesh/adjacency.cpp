@@ -109,7 +109,6 @@ void store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t p, TScrat
   }
   for (uint32_t i = 0; i < count; ++i) {
     const uint32_t t = list[i];
-    if (i > 0 && t == list[i - 1]) continue;
     for (uint32_t k = 0; k < 3; ++k) {
       if (corner(msh.tri[t], k) != p) continue;
       uint32_t* out = block + scratch.place->data[3 * t + k];

@@ -136,10 +136,11 @@ class TRayBuilder {
     return count;
   }
 
-  // False if all kept items lie in one half, which is then the left.
+  // As the box tree did, but where that cut off a few items from many, again and again, the tree of
+  // rays would be as deep. False if all kept items lie in one half, which is then the left.
   bool halve(const TPart& whole, TPart& left, TPart& right) {
     if (whole.node == kNone || tree_.nodes[whole.node].is_Leaf()) {
-      halve_Leaf(whole, left, right);
+      halve_Items(whole, left, right);
       return true;
     }
     const TBoxNode<C3DAABB>& node = tree_.nodes[whole.node];
@@ -149,11 +150,13 @@ class TRayBuilder {
       left = right;
       return false;
     }
-    return right.count() != 0;
+    if (right.count() == 0) return false;
+    if (16 * std::min(left.count(), right.count()) < whole.count()) halve_Items(whole, left, right);
+    return true;
   }
 
   // By the centres along the longest axis.
-  void halve_Leaf(const TPart& whole, TPart& left, TPart& right) {
+  void halve_Items(const TPart& whole, TPart& left, TPart& right) {
     const char axis = whole.box.longest();
     const auto key = [&](uint32_t item) {
       const T3DVEC c = tree_.items[item].box.centre();

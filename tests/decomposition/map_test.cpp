@@ -32,7 +32,7 @@ TEST(MapSetup, IniMsh_FailsUnlessBothArraysAndCountsAreThere) {
     if (part == 3) msh.n_tri = 0;
     CMap map;
     EXPECT_FALSE(map.ini_Msh(msh)) << "without part " << part;
-    EXPECT_EQ(map.msh.tri, nullptr);
+    EXPECT_FALSE(map.msh.tri);
   }
 }
 
@@ -90,7 +90,7 @@ TEST(MapSetup, IniMsh_ReplacesAnEarlierMeshAndItsRegions) {
   ASSERT_TRUE(world.map.ini_Msh(other.msh()));
   EXPECT_EQ(world.map.cnt_Uca(), 0);
   EXPECT_EQ(world.map.region_of.size(), 4u);
-  EXPECT_EQ(world.map.msh.tri, other.tri.data());
+  EXPECT_TRUE(world.map.msh.tri == other.tri.data());
 }
 
 TEST(MapSetup, WhereMemoryFails_IniMshIsFalseAndNothingLeaks) {
@@ -98,7 +98,7 @@ TEST(MapSetup, WhereMemoryFails_IniMshIsFalseAndNothingLeaks) {
   const std::vector<int32_t> codes = list_FailureCodes([&] {
     CMap map;
     if (map.ini_Msh(soup.msh())) return 0;
-    EXPECT_EQ(map.msh.tri, nullptr);
+    EXPECT_FALSE(map.msh.tri);
     uint32_t first = 0;
     EXPECT_FALSE(map.ini_Roi({&first, 1}));  // there is no room for it
     return -1;
