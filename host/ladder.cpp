@@ -8,6 +8,7 @@
 namespace undercut::host {
 namespace {
 
+// Enough to come down to single triangles on parts of a million.
 constexpr uint32_t kMostHalvings = 20;
 
 void note_Call(Climb& climb, const std::vector<Patch>& patches, double aperture,

@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 
+#include "cut.h"
 #include "refine.h"
 
 namespace undercut::host {
@@ -133,6 +134,7 @@ Prepared prepare_Mesh(const Mesh& mesh, const PrepareRules& rules) {
   if (rules.needle > 0.0) prepared.apart = find_Awkward(prepared.mesh, rules.needle);
   if (rules.displacement > 0.0) displace_Vertices(prepared.mesh, rules.displacement);
   set_Apart(prepared.mesh, prepared.apart);
+  if (rules.cut) cut_Singular(prepared.mesh);
   return prepared;
 }
 

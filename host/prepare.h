@@ -17,6 +17,7 @@ struct PrepareRules {
   T3DVEC up{0.0, 0.0, 1.0};    // the machine's Z in the file's coordinates
   double displacement = 1e-4;  // of a corner, as a share of its shortest edge; 0 for none
   double needle = 1e-3;        // largest height of a needle as a share of its longest edge; 0: none
+  bool cut = true;             // part the triangles where the mesh is no surface
   double max_edge = 0.0;       // longer edges are split; 0 for none
 };
 

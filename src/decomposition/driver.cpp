@@ -75,6 +75,13 @@ CDcmPar own_Par() {
   return par;
 }
 
+// The allowed ranges of polar angles, of which there are three at most.
+std::vector<TUcBand> list_Bands(const CDcmPar& par) {
+  if (par.n_con == 0) return {{0, 180}};
+  const TUcBand all[] = {{par.a_th0, par.b_th0}, {par.a_th1, par.b_th1}, {par.a_th2, par.b_th2}};
+  return {all, all + par.n_con};
+}
+
 // The locals of one call and its steps.
 class CDriver {
  public:
@@ -158,10 +165,11 @@ void CDriver::build(CallFrame& frame) {
           par_.f_fuz, par_.w_nul, {par_.T_gw0, par_.T_gw1, par_.T_gw2, par_.T_gw3, par_.T_gw4}};
   rnk_ = {nullptr, &map_, par_.L_gw0, par_.L_gw1};
   frame.need(par_.n_con <= 3, -21);
-  TUcBand bands[] = {{par_.a_th0, par_.b_th0}, {par_.a_th1, par_.b_th1}, {par_.a_th2, par_.b_th2}};
-  if (par_.n_con == 0) bands[0] = {0, 180};
   frame.at(par_.n_con == 0 ? -19 : -20);
-  frame.need(map_.set_Win(bands, par_.n_con == 0 ? 1 : par_.n_con), -22);
+  const std::vector<TUcBand> bands = list_Bands(par_);
+  frame.at(-22);
+  frame.need(map_.set_Win(bands.data(), static_cast<uint32_t>(bands.size())), -22);
+  frame.at(UNDERCUT_NO_MEMORY);
 }
 
 void CDriver::ini_Map(CallFrame& frame) {
@@ -188,7 +196,6 @@ void CDriver::run() {
     sts.second = kAttemptFailed;
     ++slots_;  // an empty slot in each list
   }
-  out_t_->count = out_a_->count = out_f_->count = slots_;
 }
 
 // Runs a region of interest under a handler of its own. What a failed attempt had put into its
@@ -285,10 +292,12 @@ void CDriver::run_SubSteps(CallFrame& frame) {
 }
 
 void CDriver::end_Pass(CallFrame& frame, TUcStage& stage) {
-  const CStageLine console = line("12. Fil.  :: small/non significant UcA regions");
-  frame.at(-128);
-  frame.need(del_Small(map_, par_), -128);
-  need_Cured(frame, fix_Regions(map_), kNoLock);
+  {
+    const CStageLine console = line("12. Fil.  :: small/non significant UcA regions");
+    frame.at(-128);
+    frame.need(del_Small(map_, par_), -128);
+    need_Cured(frame, fix_Regions(map_), kNoLock);
+  }
   keep_Seeds(map_, stage.roi, stage.seeds);
   frame.at(-144);
   frame.need(renew_Free(map_), -144);
@@ -320,7 +329,6 @@ void CDriver::write_Result(CallFrame& frame) {
 
 void CDriver::repair(uint32_t roi) {
   TLst<uint32_t>& list = rois_.data[roi];
-  if (!ok_Triangles(list, msh_.n_tri)) return;
   TLst<uint32_t> own = list;
   files_.write_List(own, "prv");
   {
@@ -336,6 +344,7 @@ int32_t CDriver::hand_Over(TUcRes& res, int32_t status) {
   if (status == 0)
     for (uint32_t k = 0; k < sts_->count; ++k)
       if (sts_->data[k].first != 0 || sts_->data[k].second != 0) status = 1;
+  out_t_->count = out_a_->count = out_f_->count = slots_;
   res.uca_t = out_t_.take();
   res.uca_a = out_a_.take();
   res.uca_f = out_f_.take();

@@ -45,10 +45,10 @@ bool CStageFiles::write_Latitudes(const std::string& stem,
     if (ref.id == 0) continue;
     const T3DVEC axis = unit(ref.region->measures.axis);
     const double north = ang_Vec(axis, {0, 0, 1}), south = ang_Vec(axis, {0, 0, -1});
-    if (south <= north)
-      file.printf("south latitude (%04d) := %+5.2lf [deg]\n", ref.id, south);
-    else
+    if (south > north)
       file.printf("north latitude (%04d) := %+5.2lf [deg]\n", ref.id, north);
+    else
+      file.printf("south latitude (%04d) := %+5.2lf [deg]\n", ref.id, south);
   }
   return true;
 }

@@ -202,17 +202,20 @@ void CStageFiles::write_Bwd(uint32_t step, const CUcA* loser, const CUcA& gainer
 
 void CStageFiles::write_List(const TLst<uint32_t>& roi, const char* word) const {
   if (!logs("flt")) return;
-  std::string folder;
-  if (!make_Folder("02-roi", nullptr, folder)) return;
-  stl_Ids(fmt("%s%02d-%s.stl", folder.c_str(), roi_, word).c_str(), map_.msh, roi);
+  quietly([&] {
+    std::string folder;
+    if (!make_Folder("02-roi", nullptr, folder)) return;
+    stl_Ids(fmt("%s%02d-%s.stl", folder.c_str(), roi_, word).c_str(), map_.msh, roi);
+  });
 }
 
-// The pieces of the free triangles, each with its number as label and id; none for one piece alone.
+// The pieces of the free triangles, each with its number as label and id; no file for one piece
+// alone.
 void CStageFiles::write_Free(const std::string& stem) const {
   const CUcA* free_region = map_.get_Uca(0);
   if (!free_region || free_region->count == 0) return;
   Scoped<TLst<TArr<uint32_t>>> pieces;
-  if (!lst_Com(map_, free_region, *pieces)) return;
+  if (!lst_Com(map_, free_region, *pieces) || pieces->count == 0) return;
   std::vector<int32_t> labels(map_.msh.n_tri, -1);
   TIdLists lists;
   for (uint32_t i = 0; i < pieces->count; ++i) {
@@ -227,15 +230,17 @@ EndFiles CStageFiles::write_End() const {
   if (!logs("end")) return EndFiles::kDone;
   std::string folder;
   std::vector<TUcRef> regions;
-  if (!make_Folder("13-end", nullptr, folder) || !map_.get_Ucs(regions, false))
-    return EndFiles::kFailed;
+  if (!make_Folder("13-end", nullptr, folder)) return EndFiles::kDone;
+  if (!map_.get_Ucs(regions, false)) return EndFiles::kFailed;
   const std::string stem = fmt("%s%02d-%02d-", folder.c_str(), roi_, pass_);
   const char* which = par_.l_end;
   if (has_Word(which, "axi") && !write_Axes(stem, regions)) return EndFiles::kFailed;
   if (has_Word(which, "trf") && !write_Frames(stem, regions)) return EndFiles::kNoFrame;
   if (has_Word(which, "win") && !write_Latitudes(stem, regions)) return EndFiles::kFailed;
-  if (has_Word(which, "uda")) write_Mesh(stem + "14-UcA");
-  if (has_Word(which, "h2o")) write_Free(stem + "15-H2O");
+  quietly([&] {
+    if (has_Word(which, "uda")) write_Mesh(stem + "14-UcA");
+    if (has_Word(which, "h2o")) write_Free(stem + "15-H2O");
+  });
   return EndFiles::kDone;
 }
 

@@ -2,7 +2,8 @@
 //
 // Nothing is written unless l_log is set and the stage's word stands in l_wrk; words are found by
 // substring, so they may be joined in any way. Files change no result, and one that cannot be
-// written stops nothing, but for the end files, whose failure is told.
+// written stops nothing, but for the end files of axes, frames and latitudes, whose failure to open
+// is told. A folder whose text does not fit its buffer has no files, and that is no failure.
 #pragma once
 
 #include <string>

@@ -9,7 +9,7 @@ File::File(const char* path, const char* mode)
       locale_(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))) {}
 
 File::~File() {
-  if (stream_) std::fclose(stream_);
+  close();
   if (locale_) freelocale(locale_);
 }
 
@@ -21,6 +21,14 @@ void File::printf(const char* format, ...) {
   std::vfprintf(stream_, format, args);
   va_end(args);
   uselocale(before);
+}
+
+bool File::close() {
+  if (!stream_) return false;
+  const bool written = std::ferror(stream_) == 0;
+  const bool closed = std::fclose(stream_) == 0;
+  stream_ = nullptr;
+  return written && closed;
 }
 
 void File::write(const void* bytes, size_t size) { std::fwrite(bytes, 1, size, stream_); }

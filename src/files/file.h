@@ -1,7 +1,7 @@
 // A file that is written and then closed with its scope.
 //
 // Numbers are formatted as in the C locale, whatever locale the host has set: the locale of the
-// calling thread is exchanged for the time of one call. Writes are not checked.
+// calling thread is exchanged for the time of one call. Writes are not checked one by one.
 #pragma once
 
 #include <locale.h>
@@ -26,6 +26,8 @@ class File {
 
   __attribute__((format(printf, 2, 3))) void printf(const char* format, ...);
   void write(const void* bytes, size_t size);
+  // Ends the file before its scope does; true if all of it was written.
+  bool close();
   void point(const T3DVEC& p) { printf("%lf %lf %lf\n", p.x, p.y, p.z); }
 
  private:

@@ -7,10 +7,8 @@
 // - The bool is true when the file was written; it tells of no failing write, such as a full disk.
 //   Writers with a file for each element say what theirs means. No writer prints a message, but for
 //   sef_Pol and sef_PolFrm. No writer throws.
-// - A list of triangles that names one beyond the mesh writes nothing, and that is no failure:
-// true.
-// - A mesh whose triangles name vertices beyond it writes nothing where vertices would be read:
-// false.
+// - A list of triangles that names one beyond the mesh writes nothing, and is no failure: true.
+// - Binary STL and outlines of triangles that name vertices beyond the mesh write nothing: false.
 // - Lengths are in the host's unit, written with six digits behind the point, in the C locale.
 //   Counts, indices and ids are written as signed 32-bit numbers.
 // - An id array has an id for each element of the list it goes with; a shorter one writes nothing.

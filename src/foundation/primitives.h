@@ -17,7 +17,7 @@
 
 namespace undercut {
 
-// An infinite cylinder round the Z axis of its frame.
+// An infinite cylinder round the Z axis of its frame, a unit vector.
 struct T3DCYL {
   T3DFRM frm;
   double radius;

@@ -30,7 +30,7 @@ typedef struct T3DSGM {
   uint32_t a, b;
 } T3DSGM;
 
-/* A ray, an axis or a plane: a point and a direction (or normal), not necessarily of unit length. */
+/* A ray, an axis or a plane: a point and a direction or normal, not necessarily of unit length. */
 typedef struct T3DRAY {
   T3DVEC org, dir;
 } T3DRAY;
@@ -88,19 +88,19 @@ struct TLst {
   } NAME
 #endif
 
-UNDERCUT_ARR(TArrU8, uint8_t);       /* byte mask */
-UNDERCUT_ARR(TArrU32, uint32_t);     /* indices */
-UNDERCUT_ARR(TArrVec, T3DVEC);       /* points */
-UNDERCUT_ARR(TArrArrVec, TArrVec);   /* polylines */
-UNDERCUT_ARR(TArrCrv, TArrArrVec);   /* sets of closed curves */
-UNDERCUT_ARR(TArrMsh, T3DMSH);       /* meshes */
-UNDERCUT_ARR(TArrRay, T3DRAY);       /* axes */
-UNDERCUT_LST(TLstU32, uint32_t);     /* triangle indices */
-UNDERCUT_LST(TLstLstU32, TLstU32);   /* regions */
-UNDERCUT_LST(TLstRgn, TLstLstU32);   /* regions of each region of interest */
-UNDERCUT_LST(TLstRay, T3DRAY);       /* axes */
+UNDERCUT_ARR(TArrU8, uint8_t);     /* byte mask */
+UNDERCUT_ARR(TArrU32, uint32_t);   /* indices */
+UNDERCUT_ARR(TArrVec, T3DVEC);     /* points */
+UNDERCUT_ARR(TArrArrVec, TArrVec); /* polylines, closed curves */
+UNDERCUT_ARR(TArrCrv, TArrArrVec); /* sets of closed curves */
+UNDERCUT_ARR(TArrMsh, T3DMSH);     /* meshes */
+UNDERCUT_ARR(TArrRay, T3DRAY);     /* axes */
+UNDERCUT_LST(TLstU32, uint32_t);   /* triangle indices */
+UNDERCUT_LST(TLstLstU32, TLstU32); /* regions */
+UNDERCUT_LST(TLstRgn, TLstLstU32); /* regions of each region of interest */
+UNDERCUT_LST(TLstRay, T3DRAY);     /* axes */
 UNDERCUT_LST(TLstLstRay, TLstRay);
-UNDERCUT_LST(TLstFrm, T3DFRM);       /* frames */
+UNDERCUT_LST(TLstFrm, T3DFRM); /* frames */
 UNDERCUT_LST(TLstLstFrm, TLstFrm);
 
 #pragma pack(pop)

@@ -46,13 +46,13 @@
 typedef struct TUcReq {
   T3DMSH msh;        /* 0: the mesh */
   TArrMsh msh_b;     /* 24: further meshes that shadow it */
-  TArrCrv arg;       /* 36: curves for debug files, or an id list */
+  TArrArrVec arg;    /* 36: closed curves for debug files, or an id list */
   TLstU32 roi;       /* 48: triangle indices */
   TArrU8 bit;        /* 64: byte mask, one byte for each triangle */
   TLstLstU32 cav;    /* 76: triangles of each region; the capacity is the number of regions */
   uint32_t gap_92;   /* 92 */
   TArrRay axi;       /* 96: axes */
-  TArrCrv lst;       /* 108: an optional list */
+  TArrCrv lst;       /* 108: optional sets of closed curves */
   const double* add; /* 120: one value for each triangle */
   double f_a;        /* 128: start angle theta, degrees */
   double f_b;        /* 136: start angle phi, degrees */

@@ -2,9 +2,10 @@
 #include "interface/parameters.h"
 
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <type_traits>
+
+#include "files/file.h"
 
 namespace undercut {
 
@@ -58,30 +59,27 @@ double default_Err() {
   return par.f_gew;
 }
 
-void print_Key(std::FILE* file, const char* key, double value) {
-  std::fprintf(file, "%s=%lf\n", key, value);
-}
-void print_Key(std::FILE* file, const char* key, const char* text) {
-  std::fprintf(file, "%s=%s \n", key, text);
+void print_Key(File& file, const char* key, double value) { file.printf("%s=%lf\n", key, value); }
+void print_Key(File& file, const char* key, const char* text) {
+  file.printf("%s=%s \n", key, text);
 }
 template <typename Integer>
 requires std::is_integral_v<Integer>
-void print_Key(std::FILE* file, const char* key, Integer value) {
-  std::fprintf(file, "%s=%d \n", key, static_cast<int>(value));
+void print_Key(File& file, const char* key, Integer value) {
+  file.printf("%s=%d \n", key, static_cast<int>(value));
 }
 
 // The rows of a block stand in the table in the order of its dump.
 template <typename Block>
 bool dump_Block(const Block& par, const char* head, const char* name) {
-  std::FILE* file = name ? std::fopen(name, "wt") : nullptr;
+  File file(name);
   if (!file) return false;
-  std::fprintf(file, "%s\n", head);
+  file.printf("%s\n", head);
 #define UNDERCUT_SETTER(setter, block, key, type, value, unit, range, sentence) \
   if constexpr (std::is_same_v<Block, TBlock_##block>) print_Key(file, #key, par.key);
 #include "interface/setters.def"
 #undef UNDERCUT_SETTER
-  const bool written = std::ferror(file) == 0;
-  return std::fclose(file) == 0 && written;
+  return file.close();
 }
 
 }  // namespace

@@ -29,8 +29,7 @@ struct TKeyed {
 // turned over; but the last item of each half stays last. So a part of any depth is a run of
 // consecutive items, up or down, with one other item at its end: items from + k step for k < count
 // - 1, then `end`.
-template <typename Record>
-void move_Equal(const Record* in, Record* out, int64_t from, int64_t step, int64_t count,
+void move_Equal(const uint32_t* in, uint32_t* out, int64_t from, int64_t step, int64_t count,
                 int64_t end) {
   if (count <= sort_detail::kInsertion) {
     for (int64_t k = 0; k < count - 1; ++k) out[k] = in[from + step * k];
@@ -41,33 +40,6 @@ void move_Equal(const Record* in, Record* out, int64_t from, int64_t step, int64
   move_Equal(in, out, from + step * (count - 2), -step, upper, end);
   out[upper] = in[from + step * mid];
   move_Equal(in, out + upper + 1, from + step * (mid - 2), -step, mid, from + step * (mid - 1));
-}
-
-template <typename Record>
-void move_Equal(std::vector<Record>& scratch, Record* range, int64_t count) {
-  scratch.assign(range, range + count);
-  move_Equal(scratch.data(), range, 0, 1, count, count - 1);
-}
-
-// sort_Key, but for that move. `budget` is how many records may yet be compared before the rest is
-// left to sort_Key, which is safe from partitions that are uneven time and again.
-void sort_Keyed(TKeyed* r, int64_t first, int64_t last, std::vector<TKeyed>& scratch,
-                int64_t& budget) {
-  const auto key = [](const TKeyed& record) { return record.key; };
-  while (first < last) {
-    if (last - first < sort_detail::kInsertion || budget < 0) {
-      sort_Key(r, first, last, key);
-      return;
-    }
-    if (sort_detail::all_Equal(r, first, last, key)) {
-      move_Equal(scratch, r + first, last - first + 1);
-      return;
-    }
-    budget -= last - first;
-    const int64_t i = sort_detail::partition(r, first, last, key);
-    sort_Keyed(r, i + 1, last, scratch, budget);
-    last = i - 1;
-  }
 }
 
 bool is_Same(double a, double b) { return a == b || (a != a && b != b); }
@@ -177,13 +149,13 @@ class TBuilder {
     }
     sorted_.resize(static_cast<size_t>(last - first + 1));
     for (int64_t i = first; i <= last; ++i) sorted_[i - first] = {keys[order[i]], order[i]};
-    int64_t budget = 40 * (last - first + 1);
-    sort_Keyed(sorted_.data(), 0, last - first, scratch_, budget);
+    sort_Key(sorted_.data(), 0, last - first, [](const TKeyed& r) { return r.key; });
     for (int64_t i = first; i <= last; ++i) order[i] = sorted_[i - first].item;
   }
 
   void sort_Equal(int64_t first, int64_t last) {
-    move_Equal(moved_, order_.data() + first, last - first + 1);
+    moved_.assign(order_.begin() + first, order_.begin() + last + 1);
+    move_Equal(moved_.data(), order_.data() + first, 0, 1, last - first + 1, last - first);
   }
 
   bool is_Coincident(int64_t first, int64_t last) const {
@@ -217,7 +189,7 @@ class TBuilder {
   std::vector<TBoxItem<Box>>& items_;
   std::vector<uint32_t> order_;  // items by their place, permuted by the splits
   std::vector<double> keys_[3];  // by item, for each axis
-  std::vector<TKeyed> sorted_, scratch_;
+  std::vector<TKeyed> sorted_;
   std::vector<uint32_t> moved_;
 };
 

@@ -174,12 +174,20 @@ TEST(Ladder, OneBadTriangle_IsGivenUpAlone) {
 }
 
 TEST(Ladder, EndsWhereEverythingFails) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 20000)}, make_Ladder(55), make_Centres(20000),
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 5000)}, make_Ladder(55), make_Centres(5000),
                                    make_Library([](const Patch&, double) { return true; }));
   EXPECT_TRUE(climb.settled.empty());
-  EXPECT_EQ(climb.given_up.size(), 4096u);
-  EXPECT_EQ(climb.calls, 7u * 13u);
-  EXPECT_EQ(all_Triangles(climb).size(), 20000u);
+  EXPECT_EQ(climb.given_up.size(), 5000u);
+  // Thirteen halvings come down to single triangles, with seven rungs at each size.
+  EXPECT_EQ(climb.calls, 7u * 14u);
+  EXPECT_EQ(all_Triangles(climb).size(), 5000u);
+}
+
+TEST(Ladder, GivesUpPiecesAtTheLimitOfHalvings) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 64)}, {{55.0}, 2, true}, make_Centres(64),
+                                   make_Library([](const Patch&, double) { return true; }));
+  EXPECT_EQ(climb.given_up.size(), 4u);
+  EXPECT_EQ(climb.calls, 3u);
 }
 
 TEST(Ladder, WithoutHalvings_OneRungIsOneCall) {

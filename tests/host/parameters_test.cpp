@@ -103,7 +103,7 @@ TEST(Parameters, RangesHoldAsTheyAreWritten) {
     EXPECT_NO_THROW(parse_Setting(text)) << text;
   }
   for (const char* text : {"n_con=4", "a_th0=180.1", "a_th0=-1", "f_fuz=-0.1", "T_win=180",
-                           "T_win=0", "F_fae=0", "w_nul=91", "gcu.f_th0=-181", "i_col=0"}) {
+                           "T_win=0", "F_fae=0", "w_nul=91", "gcu.f_th0=-361", "i_col=0"}) {
     EXPECT_TRUE(has_Text(fail_Set(text), "out of range")) << text;
   }
 }
