@@ -123,7 +123,7 @@ Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
   CLI::App app("Undercut regions and tool axes of triangle meshes", "undercut");
   app.set_version_flag("--version", std::string("undercut ") + UNDERCUT_VERSION);
   app.footer(kExamples);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   RawOptions raw;
   Options options;
   add_Decompose(app, raw);
@@ -138,6 +138,9 @@ Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
     }
     app.exit(error, out, ignored);
     return options;
+  }
+  if (app.get_subcommands().empty()) {
+    throw UsageError("name a command, decompose or parameters.\nRun 'undercut --help' for help.");
   }
   if (parameters->parsed()) {
     options.action = Options::Action::Parameters;

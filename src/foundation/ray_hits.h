@@ -58,8 +58,8 @@ inline bool hit_Tri(const T3DRAY& ray, const T3DFAC& f) {
   const double ab = dot(cross(b, a), d);
   const double bc = dot(cross(c, b), d);
   const double ca = dot(cross(a, c), d);
-  const bool above = (away < 0.0);
-  const bool below = (away > 0.0);
+  const bool above = away < 0.0;
+  const bool below = away > 0.0;
   if (!(above | below)) [[unlikely]] {
     return hit_TriFlat(ray, f);
   }

@@ -1,19 +1,18 @@
 // Why no node is passed over that holds a triangle whose box passes hit_Box.
 //
-// Let M be the largest coordinate of the tree and of org, D the largest component of dir, u =
-// 2^-24, and measure along the ray in units of 1 / D. A bound n of a box lies at (n - org) D / dir,
-// per axis; the numbers n, org and D / dir are used here as they round to single precision. In
-// return, where a box is entered org is moved towards it by 16 u M, and away from it where it is
-// left.
+// Let M be the largest coordinate of the tree and of org, D the largest component of dir and
+// u = 2^-24, and measure along the ray in units of 1 / D. On one axis the ray meets a bound n of a
+// box at (n - org) q with q = D / dir. Here n, org and q are rounded to single precision; to make
+// up for that org is moved by 16 u M: towards the bound where a box is entered, away from it where
+// it is left.
 // - Rounding moves n and org by less than 3 u M together, so n - org errs by at least 13 u M to the
-//   safe side. It is 2 M at most; rounding the difference, the quotient and the product adds less
-//   than 7 u M times the quotient. So the ray enters a box here earlier than in truth by 6 u M D /
-//   dir at least, and leaves it later by as much: far more than the 2^-51 of themselves by which
-//   the numbers of hit_Box may err. A box that begins behind org is taken to begin at org.
-// - Quotients above 2^40, infinite ones too, are cut off there. A box is then entered still
-// earlier.
-//   It is left, if it passes, no sooner than at 13 u M 2^40, which lies beyond 2 M: where the ray
-//   has left it along its longest component. So that axis does not decide.
+//   safe side. It is 2 M at most; rounding q, the difference and the product adds less than
+//   7 u M q. So the ray enters a box here earlier than in truth by at least 6 u M q, and leaves it
+//   later by as much: far more than the 2^-51 of themselves by which the numbers of hit_Box err.
+//   A box that begins behind org is taken to begin at org.
+// - Above 2^40, or infinite, q is cut off there. A box is then entered still earlier; one that
+//   passes is left no sooner than at 13 u M 2^40, which lies beyond 2 M, where the ray has left it
+//   along its longest component. So such an axis does not decide.
 // M from 2^-60 to 2^60 and D from 2^-100 to 2^100 keep all this clear of overflow and underflow;
 // other rays and trees are not taken.
 #include "mesh/ray_tree.h"
@@ -48,10 +47,10 @@ bool is_Finite(const T3DVEC& v) {
 
 // ---- Build -------------------------------------------------------------------------------------
 
-// A node of the box tree, or a part of a leaf, that is to become a child. first and end count in
-// the list of kept items.
+// A node of the box tree, or a bare range of items, that is to become a child. first and end count
+// in the list of kept items.
 struct TPart {
-  uint32_t node;  // kNone for a part of a leaf
+  uint32_t node;  // kNone for a bare range
   uint32_t first, end;
   C3DAABB box;
 

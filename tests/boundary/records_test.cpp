@@ -58,6 +58,18 @@ TEST(Records, ANewResult_IsEmptyFromByte192On_AndKeepsTheFirst192Bytes) {
   EXPECT_EQ(bytes_Of(res), expected);
 }
 
+TEST(Records, ARequest_TakesClosedCurvesAndSetsOfThem) {
+  T3DVEC points[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  TArrVec curve = {points, 3};
+  TArrArrVec curves = {&curve, 1};
+  TUcReq req;
+  ini_Req(&req);
+  req.arg = curves;
+  req.lst = {&curves, 1};
+  EXPECT_EQ(req.arg.data[0].data[1].x, 1.0);
+  EXPECT_EQ(req.lst.data[0].data[0].data[1].x, 1.0);
+}
+
 TEST(Records, NullPointers_AreHarmless) {
   EXPECT_EQ(ini_Req(nullptr), 0);
   EXPECT_EQ(ini_Res(nullptr), 0);

@@ -1,12 +1,7 @@
 #include "files/file.h"
 
-#include <locale.h>
-
-#include <clocale>
-#include <cstdlib>
-
 #include "files/writers.h"
-#include "tests/files/support.h"
+#include "tests/support/comma_locale.h"
 
 namespace undercut {
 namespace {
@@ -35,6 +30,20 @@ TEST_F(FileTest, Point_HasSixDigitsBehindThePoint) {
   EXPECT_EQ(read("a.txt"), "0.500000 -0.000000 1234567.125000\n");
 }
 
+TEST_F(FileTest, Close_TellsWhetherAllOfItWasWritten) {
+  File file("a.txt");
+  file.printf("%d", 7);
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(read("a.txt"), "7");
+  EXPECT_FALSE(file.close());
+  EXPECT_FALSE(file);
+  EXPECT_FALSE(File(kUnwritable).close());
+  File full("/dev/full");
+  if (!full) GTEST_SKIP() << "no device that is always full";
+  full.printf("%d", 7);
+  EXPECT_FALSE(full.close());
+}
+
 size_t count_Open() {
   size_t count = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
@@ -59,38 +68,6 @@ TEST_F(FileTest, EveryWriter_ClosesItsFile) {
   EXPECT_FALSE(txt_Ids(kUnwritable, ids.lst()));
   EXPECT_EQ(count_Open(), before);
 }
-
-// Runs with a locale whose decimal sign is a comma; builds one where the system has none.
-class CommaLocale : public InFolder {
- protected:
-  void SetUp() override {
-    InFolder::SetUp();
-    uselocale(LC_GLOBAL_LOCALE);  // what an earlier test has left must not hide the host's
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
-      if (set(name)) return;
-    const char* make = "localedef -i de_DE -f ISO-8859-1 ./comma >/dev/null 2>&1";
-    if (std::system(make) == 0) {
-      setenv("LOCPATH", folder().c_str(), 1);
-      const bool is_Set = set("comma");
-      unsetenv("LOCPATH");
-      if (is_Set) return;
-    }
-    GTEST_SKIP() << "no locale with a decimal comma on this machine";
-  }
-  void TearDown() override {
-    std::setlocale(LC_ALL, "C");
-    InFolder::TearDown();
-  }
-
-  static std::string half() {
-    char text[16];
-    std::snprintf(text, sizeof text, "%.1f", 0.5);
-    return text;
-  }
-
- private:
-  static bool set(const char* name) { return std::setlocale(LC_ALL, name) && half() == "0,5"; }
-};
 
 TEST_F(CommaLocale, DoesNotReachTheFiles_AndStaysTheHosts) {
   EXPECT_TRUE(asc_Pnt("a.asc", {0.5, 1.25, -2}));

@@ -51,7 +51,7 @@ TEST_F(Command, Json_PrintsTheFileAndNothingElse) {
   const Ran ran = run("decompose part.stl --json --set b_rti=1 --set b_prg=1");
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_EQ(ran.out, load_File(folder.path / "regions/regions.json"));
-  EXPECT_NO_THROW(Json::parse(ran.out));
+  EXPECT_TRUE(Json::accept(ran.out));
   EXPECT_EQ(ran.err, "");
 }
 
@@ -146,6 +146,11 @@ TEST_F(Command, UsageErrors_AreStatusTwoWithoutResults) {
   }
 }
 
+TEST_F(Command, AnUnknownCommand_IsNamed) {
+  EXPECT_TRUE(has_Text(run("nonsense").err, "nonsense"));
+  EXPECT_TRUE(has_Text(run("").err, "name a command"));
+}
+
 TEST_F(Command, InputErrors_AreStatusThreeWithoutResults) {
   folder.write("empty.stl", "");
   folder.write("cut.stl", make_BinaryStl(make_Dome(3)).substr(0, 500));
@@ -194,7 +199,7 @@ TEST_F(Command, ASettingWithoutEffect_IsNoted) {
   const Ran ran = run("decompose part.stl --json --set f_wid=2");
   EXPECT_EQ(ran.status, 0);
   EXPECT_TRUE(has_Text(ran.err, "con.f_wid has no effect"));
-  EXPECT_NO_THROW(Json::parse(ran.out));
+  EXPECT_TRUE(Json::accept(ran.out));
 }
 
 TEST_F(Command, ListOptions_DoNotSwallowThePart) {

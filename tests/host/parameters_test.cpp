@@ -98,12 +98,14 @@ TEST(Parameters, NumbersMustBeFinite) {
 }
 
 TEST(Parameters, RangesHoldAsTheyAreWritten) {
-  for (const char* text : {"n_con=3", "n_con=0", "a_th0=180", "a_th0=0", "f_fuz=0", "T_win=179.9",
-                           "w_4ax=360", "gcu.f_th0=-180", "F_cnt=-1", "i_col=4"}) {
+  for (const char* text :
+       {"n_con=3", "n_con=0", "a_th0=180", "a_th0=0", "f_fuz=0", "T_win=179.9", "w_4ax=360",
+        "gcu.f_th0=-360", "gcu.f_phi=180", "gcu.n_dim=5", "F_cnt=-1", "i_col=4", "p_col=0"}) {
     EXPECT_NO_THROW(parse_Setting(text)) << text;
   }
-  for (const char* text : {"n_con=4", "a_th0=180.1", "a_th0=-1", "f_fuz=-0.1", "T_win=180",
-                           "T_win=0", "F_fae=0", "w_nul=91", "gcu.f_th0=-361", "i_col=0"}) {
+  for (const char* text :
+       {"n_con=4", "a_th0=180.1", "a_th0=-1", "f_fuz=-0.1", "T_win=180", "T_win=0", "F_fae=0",
+        "w_nul=91", "gcu.f_th0=-361", "gcu.f_phi=181", "gcu.n_dim=4", "i_col=0"}) {
     EXPECT_TRUE(has_Text(fail_Set(text), "out of range")) << text;
   }
 }

@@ -9,6 +9,7 @@
 #include "foundation/values.h"
 #include "tests/interface/blocks.h"
 #include "tests/interface/dumps.h"
+#include "tests/support/comma_locale.h"
 
 using namespace undercut;
 
@@ -294,6 +295,12 @@ TEST(ParametersDump, WritesAllFourBytesOfTheProgressFlag) {
   CUCsPar par;
   par.b_pgr = 0x01020304;
   EXPECT_NE(text_Dump(dmp_UCs, par).find("\nb_pgr=16909060 \n"), std::string::npos);
+}
+
+TEST_F(CommaLocale, DoesNotReachTheDumps_AndStaysTheHosts) {
+  EXPECT_EQ(text_Dump(dmp_Dcm, CDcmPar()), kDcmDump);
+  EXPECT_EQ(text_Dump(dmp_UCs, CUCsPar()), kUCsDump);
+  EXPECT_EQ(half(), "0,5");
 }
 
 TEST(ParametersDump, IsFalse_WithoutAName) {

@@ -1,0 +1,772 @@
+// The stage files of get_Dcm: which word brings which file, in which folder, under which name, and
+// what stands in it.
+#include <algorithm>
+#include <map>
+#include <regex>
+
+#include "tests/boundary/dcm_request.h"
+
+namespace {
+
+using Names = std::set<std::string>;
+
+std::string numbered(const char* format, int a, int b = 0, int c = 0) {
+  char text[64];
+  std::snprintf(text, sizeof text, format, a, b, c);
+  return text;
+}
+
+// The bytes of every result, in the order of the lists.
+std::string bytes_Of(const TUcRes& res) {
+  std::string all;
+  const auto put = [&](const void* data, size_t size) {
+    if (size != 0) all.append(static_cast<const char*>(data), size);
+  };
+  for (uint32_t i = 0; i < res.uca_t.count; ++i) {
+    const TLstLstU32& regions = res.uca_t.data[i];
+    for (uint32_t k = 0; k < regions.count; ++k)
+      put(regions.data[k].data, sizeof(uint32_t) * regions.data[k].count);
+    put(res.uca_a.data[i].data, sizeof(T3DRAY) * res.uca_a.data[i].count);
+    put(res.uca_f.data[i].data, sizeof(T3DFRM) * res.uca_f.data[i].count);
+  }
+  put(res.sts.data, sizeof(TUcSts) * res.sts.count);
+  return all;
+}
+
+class StageFiles : public Decomposition {
+ protected:
+  // One region of interest with a rim: the first half of a ring.
+  static void add_Half(TDcmRequest& r) { r.add(0, r.triangles() / 2); }
+  static bodies::TBody body() { return bodies::make_Ring(800); }
+
+  // Files below the current folder, as "run/02-h2o/00-00-02-H2O.ply".
+  static Names list_Files() { return list(true); }
+  static Names list_Folders() { return list(false); }
+  static Names list(bool files) {
+    Names names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator("."))
+      if (entry.is_directory() != files) names.insert(entry.path().string().substr(2));
+    return names;
+  }
+  static void clear() {
+    for (const auto& entry : std::filesystem::directory_iterator("."))
+      std::filesystem::remove_all(entry.path());
+  }
+  static std::vector<std::string> lines_Of(const std::string& path) {
+    std::istringstream text(read(path));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    return lines;
+  }
+  static std::vector<uint32_t> indices_Of(const std::string& path) {
+    std::vector<uint32_t> indices;
+    for (const std::string& line : lines_Of(path))
+      indices.push_back(static_cast<uint32_t>(std::stoul(line)));
+    return indices;
+  }
+  // Calls, tells the number of passes.
+  static int passes_Of(TDcmRequest& r) { return count(console_Of(r), "07. Fwd."); }
+  // Calls over the half ring; the files that lie there then.
+  static Names files_Of() {
+    TDcmRequest r(body());
+    add_Half(r);
+    EXPECT_EQ(r.call(), 0);
+    return list_Files();
+  }
+  // The colour of each face of a PLY file with colours per face.
+  static std::vector<std::string> colours_Of(const std::string& path, uint32_t faces) {
+    const std::vector<std::string> lines = lines_Of(path);
+    std::vector<std::string> colours;
+    if (lines.size() < faces) return colours;
+    for (size_t i = lines.size() - faces; i < lines.size(); ++i) {
+      std::istringstream line(lines[i]);
+      int n, a, b, c, red, green, blue;
+      line >> n >> a >> b >> c >> red >> green >> blue;
+      colours.push_back(numbered("%d,%d,%d", red, green, blue));
+    }
+    return colours;
+  }
+};
+
+// ---- Which word brings which file --------------------------------------------------------------
+
+TEST_F(StageFiles, AreNone_WithoutTheMasterSwitch) {
+  log("cri ini fwd del rnk bwd com end flt", "ply stl txt sef pol");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  dcm_end("axi trf win uda h2o");
+  defaults::set(dcm_mod, 1u);
+  defaults::set(dcm_log, 0);
+  EXPECT_TRUE(files_Of().empty());
+  EXPECT_TRUE(list_Folders().empty());
+}
+
+TEST_F(StageFiles, AreNone_WithoutAWord) {
+  log("", "ply stl txt sef pol");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  dcm_end("axi trf win uda h2o");
+  defaults::set(dcm_mod, 1u);
+  EXPECT_TRUE(files_Of().empty());
+  EXPECT_TRUE(list_Folders().empty());
+}
+
+TEST_F(StageFiles, CarryTheFolderAndNameOfTheirStage_OnceInEachPass) {
+  const struct {
+    const char *word, *folder, *name;
+    bool once;  // for a region of interest, not for a pass
+  } kStages[] = {
+      {"ini", "02-h2o", "02-H2O", true},  {"fwd", "03-fwd", "03-Fwd", false},
+      {"del", "04-del", "04-Del", false}, {"rnk", "05-rnk", "05-Rnk", false},
+      {"com", "08-com", "08-Com", false},
+  };
+  defaults::set(dcm_Cnt, 1);  // several passes
+  for (const auto& stage : kStages) {
+    clear();
+    log(stage.word, "ply");
+    TDcmRequest r(body());
+    add_Half(r);
+    const int passes = stage.once ? 1 : passes_Of(r);
+    if (stage.once) ASSERT_EQ(r.call(), 0);
+    Names expected;
+    for (int p = 0; p < passes; ++p)
+      expected.insert("run/" + std::string(stage.folder) + numbered("/%02d-%02d-", 0, p) +
+                      stage.name + ".ply");
+    EXPECT_GE(passes, stage.once ? 1 : 2);
+    EXPECT_EQ(list_Files(), expected) << stage.word;
+    EXPECT_EQ(list_Folders(), (Names{"run", "run/" + std::string(stage.folder)}));
+  }
+}
+
+TEST_F(StageFiles, OfBalancing_LandInTheCurrentFolder_ThoughTheirFolderIsMade) {
+  log("bwd", "ply txt");
+  TDcmRequest r(body());
+  add_Half(r);
+  const int passes = passes_Of(r);
+  EXPECT_EQ(list_Folders(), (Names{"run", "run/06-bwd"}));
+  for (int p = 0; p < passes; ++p) {
+    EXPECT_TRUE(exists(numbered("%02d-%02d-06-Bwd.ply", 0, p)));
+    EXPECT_TRUE(exists(numbered("%02d-%02d-06-Bwd-0.txt", 0, p)) ||
+                exists(numbered("%02d-%02d-06-Bwd-1.txt", 0, p)));
+  }
+  for (const std::string& name : list_Files()) EXPECT_EQ(name.find('/'), std::string::npos) << name;
+}
+
+TEST_F(StageFiles, OfTheSeeds_ShowEachScore_AndWhiteOutside) {
+  log("cri", "");
+  TDcmRequest r(body());
+  add_Half(r);
+  ASSERT_EQ(r.call(), 0);
+  ASSERT_EQ(list_Files(), Names{"run/01-cri/00-00-01-Cri.ply"}) << "PLY, whatever l_uda says";
+  const auto colours = colours_Of("run/01-cri/00-00-01-Cri.ply", r.triangles());
+  ASSERT_EQ(colours.size(), r.triangles());
+  uint32_t coloured = 0;
+  for (uint32_t t = 0; t < r.triangles(); ++t) {
+    if (t >= r.triangles() / 2) EXPECT_EQ(colours[t], "255,255,255") << t;
+    coloured += colours[t] != "255,255,255";
+  }
+  EXPECT_GT(coloured, r.triangles() / 4);
+}
+
+TEST_F(StageFiles, AreNone_ForSubStepsThatAreSwitchedOff) {
+  log("clo fil smo", "ply stl txt sef pol");
+  EXPECT_TRUE(files_Of().empty());
+  EXPECT_TRUE(list_Folders().empty());
+}
+
+TEST_F(StageFiles, OfTheRepair_AreNone_WithoutARepair) {
+  log("flt", "stl");
+  dcm_srt("area");  // both attempts fail
+  TDcmRequest r(body());
+  add_Half(r);
+  EXPECT_EQ(r.call(), 1);
+  EXPECT_TRUE(list_Files().empty());
+}
+
+TEST_F(StageFiles, OfTheRepair_CarryTheNumberOfTheRegionOfInterest_AndNoPass) {
+  log("flt", "");
+  dcm_srt("area");
+  defaults::set(dcm_chk, 1);
+  TDcmRequest r(body());
+  r.add_Halves();
+  EXPECT_EQ(r.call(), 1);
+  EXPECT_EQ(list_Files(), (Names{"run/02-roi/00-prv.stl", "run/02-roi/00-nxt.stl",
+                                 "run/02-roi/01-prv.stl", "run/02-roi/01-nxt.stl"}));
+}
+
+TEST_F(StageFiles, AreChosenByWordsJoinedInAnyWay) {
+  log("ini fwd", "ply");
+  const Names expected = files_Of();
+  ASSERT_GE(expected.size(), 2u);
+  for (const char* words : {"inifwd", "fwdini", "fwd,ini", "xxfwd;;ini__", "ini\tfwd ini"}) {
+    clear();
+    log(words, "ply");
+    EXPECT_EQ(files_Of(), expected) << words;
+  }
+}
+
+TEST_F(StageFiles, BeginWithTheNumberOfTheRegionOfInterest) {
+  log("ini", "ply");
+  TDcmRequest r(body());
+  r.add(0, r.triangles() / 2);
+  r.lists.emplace_back();
+  r.add(r.triangles() / 2, r.triangles());
+  ASSERT_EQ(r.call(), 0);
+  EXPECT_EQ(list_Files(), (Names{"run/02-h2o/00-00-02-H2O.ply", "run/02-h2o/02-00-02-H2O.ply"}));
+}
+
+// ---- Types -------------------------------------------------------------------------------------
+
+TEST_F(StageFiles, AreNone_WithoutAType_ThoughTheFolderIsMade) {
+  log("ini", "obj");
+  EXPECT_TRUE(files_Of().empty());
+  EXPECT_EQ(list_Folders(), (Names{"run", "run/02-h2o"}));
+}
+
+TEST_F(StageFiles, OfEachType_HaveTheirNames) {
+  const std::string stem = "run/02-h2o/00-00-02-H2O";
+  const std::pair<const char*, std::string> kTypes[] = {{"ply", stem + ".ply"},
+                                                        {"stl", stem + ".stl"},
+                                                        {"txt", stem + "-0.txt"},
+                                                        {"sef", stem + "-000.sef"},
+                                                        {"pol", stem + "-000.pol"}};
+  Names all;
+  for (const auto& [type, name] : kTypes) {
+    clear();
+    log("ini", type);
+    EXPECT_EQ(files_Of(), Names{name}) << "region 0 holds all";
+    all.insert(name);
+  }
+  clear();
+  log("ini", "plystltxtsefpol");
+  EXPECT_EQ(files_Of(), all);
+}
+
+TEST_F(StageFiles, OfTheMap_ShowEachRegion_WithItsNumber) {
+  log("fwd", "ply stl txt sef pol");
+  defaults::set(dcm_max, 1);
+  TDcmRequest r(body());
+  add_Half(r);
+  ASSERT_EQ(r.call(), 0);
+  const std::string stem = "run/03-fwd/00-00-03-Fwd";
+
+  std::map<uint32_t, int> region_of;
+  const std::regex list(stem + "-([0-9]+)\\.txt");
+  int regions = 0;
+  for (const std::string& name : list_Files()) {
+    std::smatch match;
+    if (!std::regex_match(name, match, list)) continue;
+    const int id = std::stoi(match[1]);
+    ++regions;
+    for (const uint32_t t : indices_Of(name)) EXPECT_TRUE(region_of.emplace(t, id).second) << t;
+    EXPECT_TRUE(exists(stem + numbered("-%03d.sef", id))) << id;
+    EXPECT_TRUE(exists(stem + numbered("-%03d.pol", id))) << id;
+  }
+  EXPECT_GE(regions, 2);
+  ASSERT_EQ(region_of.size(), r.triangles() / 2) << "the free triangles too";
+
+  const std::string stl = read(stem + ".stl");
+  ASSERT_EQ(stl.size(), 84u + 50 * r.triangles());
+  const auto colours = colours_Of(stem + ".ply", r.triangles());
+  ASSERT_EQ(colours.size(), r.triangles());
+  const char* const kPalette[] = {"255,255,255", "192,255,255", "255,0,0",
+                                  "0,255,0",     "0,0,255",     "255,255,0"};
+  for (uint32_t t = 0; t < r.triangles(); ++t) {
+    const auto low = static_cast<uint8_t>(stl[84 + 50 * t + 48]);
+    const auto high = static_cast<uint8_t>(stl[84 + 50 * t + 49]);
+    const int number = region_of.count(t) ? region_of[t] + 1 : 0;
+    ASSERT_EQ(low + 256 * high, number) << t;
+    if (number < 6) ASSERT_EQ(colours[t], kPalette[number]) << t;
+  }
+}
+
+// ---- Step files --------------------------------------------------------------------------------
+
+TEST_F(StageFiles, OfGrowthSteps_ShowTheMap_WheneverTheStepIsAMultiple) {
+  log("fwd", "stl");
+  dcm_fwd("map");
+  const auto steps = [](uint32_t modulus) {
+    clear();
+    defaults::set(dcm_mod, modulus);
+    std::set<int> found;
+    const std::regex name("run/03-fwd/map/00-00-03-([0-9]{5})-Fwd\\.stl");
+    std::smatch match;
+    for (const std::string& file : files_Of())
+      if (std::regex_match(file, match, name)) found.insert(std::stoi(match[1]));
+    return found;
+  };
+  const std::set<int> all = steps(1);
+  ASSERT_GT(all.size(), 50u);
+  EXPECT_EQ(*all.begin(), 0);
+  EXPECT_EQ(*all.rbegin(), static_cast<int>(all.size()) - 1) << "a file for each step";
+  std::set<int> seventh;
+  for (const int step : all)
+    if (step % 7 == 0) seventh.insert(step);
+  EXPECT_EQ(steps(7), seventh);
+}
+
+TEST_F(StageFiles, OfSteps_AreNone_WithAModulusOfZero) {
+  log("fwd bwd", "stl");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  defaults::set(dcm_mod, 0u);
+  for (const std::string& name : files_Of()) {
+    EXPECT_EQ(name.find("map"), std::string::npos) << name;
+    EXPECT_EQ(name.find("lnd"), std::string::npos) << name;
+  }
+  EXPECT_EQ(list_Folders(), (Names{"run", "run/03-fwd", "run/06-bwd"}));
+}
+
+TEST_F(StageFiles, OfSteps_NeedTheWordOfTheirStage) {
+  log("ini", "stl");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  defaults::set(dcm_mod, 1u);
+  EXPECT_EQ(files_Of(), Names{"run/02-h2o/00-00-02-H2O.stl"});
+}
+
+TEST_F(StageFiles, OfGrowthSteps_ShowTheGainingRegionAlone) {
+  log("fwd", "ply stl txt sef pol");
+  dcm_fwd("lnd");
+  defaults::set(dcm_mod, 10u);
+  const Names files = files_Of();
+  const std::regex name(
+      "(run/03-fwd/lnd/[0-9]{2}-[0-9]{2}-03-\\[([0-9]+),([0-9]+),([0-9]+)\\]-Fwd)\\.txt");
+  std::smatch match;
+  int steps = 0;
+  for (const std::string& file : files) {
+    if (!std::regex_match(file, match, name)) continue;
+    ++steps;
+    EXPECT_EQ(std::stoi(match[2]) % 10, 0);
+    EXPECT_GT(std::stoi(match[3]), 0) << "region 0 gains nothing";
+    const std::vector<uint32_t> held = indices_Of(file);
+    ASSERT_GE(held.size(), 2u);
+    EXPECT_EQ(held[0], std::stoul(match[4])) << "the triangle that was taken comes first";
+    EXPECT_EQ(std::filesystem::file_size(match[1].str() + ".stl"), 84u + 50 * held.size());
+    EXPECT_TRUE(files.count(match[1].str() + ".ply"));
+    EXPECT_TRUE(files.count(match[1].str() + ".sef"));
+    EXPECT_TRUE(files.count(match[1].str() + ".pol"));
+  }
+  EXPECT_GT(steps, 5);
+  EXPECT_FALSE(exists("run/03-fwd/map"));
+}
+
+TEST_F(StageFiles, OfBalancingSteps_ShowTheLosingAndTheGainingRegion) {
+  log("bwd", "txt");
+  dcm_bwd("map lnd");
+  defaults::set(dcm_mod, 1u);
+  const Names files = files_Of();
+  const std::regex name(
+      "(run/06-bwd/lnd/([0-9]{2}-[0-9]{2}-06-)\\[([0-9]+),([0-9]+),([0-9]+)\\]-Bwd)\\(Y\\)\\.txt");
+  std::smatch match;
+  std::set<std::string> maps;
+  const std::regex loser("run/06-bwd/lnd/(.*)\\[([0-9]+),([0-9]+),([0-9]+)\\]-Bwd\\(X\\)\\.txt");
+  const std::regex whole("run/06-bwd/map/(.*)([0-9]{5})-Bwd-[0-9]+\\.txt");
+  std::map<std::string, std::string> loser_of;
+  for (const std::string& file : files) {
+    if (std::regex_match(file, match, loser))
+      loser_of[match[1].str() + std::to_string(std::stoi(match[2]))] = file;
+    if (std::regex_match(file, match, whole))
+      maps.insert(match[1].str() + std::to_string(std::stoi(match[2])));
+  }
+  int steps = 0, pairs = 0;
+  for (const std::string& file : files) {
+    if (!std::regex_match(file, match, name)) continue;
+    ++steps;
+    const std::string step = match[2].str() + match[3].str();
+    const auto taken = static_cast<uint32_t>(std::stoul(match[5]));
+    const std::vector<uint32_t> held = indices_Of(file);
+    ASSERT_FALSE(held.empty());
+    EXPECT_EQ(held[0], taken);
+    EXPECT_TRUE(maps.count(step)) << step;
+    if (!loser_of.count(step)) continue;  // the move emptied the loser
+    ++pairs;
+    const std::vector<uint32_t> left = indices_Of(loser_of[step]);
+    EXPECT_EQ(std::count(left.begin(), left.end(), taken), 0) << step;
+  }
+  EXPECT_GT(steps, 0);
+  EXPECT_GT(pairs, 0);
+  EXPECT_EQ(maps.size(), static_cast<size_t>(steps));
+}
+
+// ---- Geometry ----------------------------------------------------------------------------------
+
+TEST_F(StageFiles, OfGeometry_HangOnTheStemOfTheStep) {
+  const std::pair<const char*, const char*> kWords[] = {
+      {"cen", "-oCen.asc"}, {"pcs", "-pLcs.pol"}, {"pml", "-pNml.pol"}, {"tcs", "-tLcs.pol"},
+      {"tml", "-tNml.pol"}, {"fsp", "-tFsp.pol"}, {"elp", "-tElp.pol"}};
+  log("fwd", "");
+  dcm_fwd("map lnd");
+  dcm_lcs("pol");
+  defaults::set(dcm_mod, 40u);
+  for (const auto& [word, ending] : kWords) {
+    clear();
+    dcm_geo(word);
+    int maps = 0, alone = 0;
+    const std::regex map("run/03-fwd/map/[0-9]{2}-[0-9]{2}-03-[0-9]{5}-Fwd" + std::string(ending));
+    const std::regex lnd("run/03-fwd/lnd/[0-9]{2}-[0-9]{2}-03-\\[[0-9,]+\\]-Fwd" +
+                         std::string(ending));
+    for (const std::string& file : files_Of()) {
+      const bool is_Map = std::regex_match(file, map), is_Lnd = std::regex_match(file, lnd);
+      EXPECT_TRUE(is_Map || is_Lnd) << word << ": " << file;
+      maps += is_Map;
+      alone += is_Lnd;
+    }
+    EXPECT_GT(alone, 0) << word;
+    EXPECT_EQ(maps, alone) << word;
+  }
+}
+
+TEST_F(StageFiles, OfFrames_TakeTheirFormFromLLcs_ForARegionAlone) {
+  log("fwd", "");
+  dcm_geo("pcs tcs");
+  defaults::set(dcm_mod, 1000000u);  // the first step of each pass
+  const auto endings = [&](const char* where, const char* forms) {
+    clear();
+    dcm_fwd(where);
+    dcm_lcs(forms);
+    Names found;
+    for (const std::string& file : files_Of())
+      if (file.find("/00-00-") != std::string::npos) found.insert(file.substr(file.size() - 9));
+    return found;
+  };
+  EXPECT_EQ(endings("lnd", ""), Names{});
+  EXPECT_EQ(endings("lnd", "pol"), (Names{"-pLcs.pol", "-tLcs.pol"}));
+  EXPECT_EQ(endings("lnd", "trf"), (Names{"-pLcs.trf", "-tLcs.trf"}));
+  EXPECT_EQ(endings("lnd", "trfpol"), (Names{"-pLcs.pol", "-tLcs.pol", "-pLcs.trf", "-tLcs.trf"}));
+  EXPECT_EQ(endings("map", "trf"), (Names{"-pLcs.pol", "-tLcs.pol"})) << "always .pol";
+}
+
+TEST_F(StageFiles, OfGeometry_HoldAnEntryForEachRegion) {
+  log("fwd", "txt");
+  dcm_fwd("map");
+  dcm_geo("cen pcs pml fsp elp");
+  defaults::set(dcm_mod, 1u);
+  const Names files = files_Of();
+  std::string stem;  // the last step of the first pass
+  for (const std::string& file : files)
+    if (file.find("map/00-00") != std::string::npos && file.find("-oCen") != std::string::npos)
+      stem = file.substr(0, file.size() - 9);
+  ASSERT_FALSE(stem.empty());
+  std::set<int> ids;
+  std::smatch match;
+  const std::regex list(".*/00-00-03-[0-9]{5}-Fwd-([0-9]+)\\.txt");
+  for (const std::string& file : files)
+    if (file.rfind(stem + "-", 0) == 0 && std::regex_match(file, match, list))
+      ids.insert(std::stoi(match[1]));
+  ids.erase(0);
+  ASSERT_GE(ids.size(), 2u);
+  EXPECT_EQ(lines_Of(stem + "-oCen.asc").size(), ids.size());
+  for (const int id : ids) {
+    const std::string tag = numbered("<lnd(%03d)>", id);
+    EXPECT_EQ(count(read(stem + "-pLcs.pol"), tag), 3) << "three axes";
+    EXPECT_EQ(count(read(stem + "-pNml.pol"), tag), 1);
+    EXPECT_GE(count(read(stem + "-tFsp.pol"), tag), 1);
+    EXPECT_LE(count(read(stem + "-tElp.pol"), tag), 1);
+  }
+}
+
+// ---- End files ---------------------------------------------------------------------------------
+
+class EndFiles : public StageFiles {
+ protected:
+  struct TRegion {
+    T3DVEC centre, axis;
+    T3DFRM frame;
+  };
+  // What a call gave for its first region of interest.
+  static std::vector<TRegion> regions_Of(const TDcmRequest& r) {
+    std::vector<TRegion> regions;
+    for (uint32_t k = 0; k < r.res.uca_a.data[0].count; ++k)
+      regions.push_back({r.res.uca_a.data[0].data[k].org, -r.res.uca_a.data[0].data[k].dir,
+                         r.res.uca_f.data[0].data[k]});
+    return regions;
+  }
+  static T3DVEC point_Of(const std::string& line) {
+    std::istringstream text(line);
+    T3DVEC p = {0, 0, 0};
+    text >> p.x >> p.y >> p.z;
+    return p;
+  }
+};
+
+TEST_F(EndFiles, OfTheAxes_HaveABlockForEachRegion_AsLongAsLLen) {
+  log("end", "");
+  dcm_end("axi");
+  defaults::set(dcm_len, 25.0);
+  defaults::set(dcm_max, 1);
+  TDcmRequest r(body());
+  add_Half(r);
+  ASSERT_EQ(r.call(), 0);
+  const Names files = list_Files();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_TRUE(std::regex_match(*files.begin(), std::regex("run/13-end/00-0[0-2]-11-Axi\\.pol")));
+  const auto lines = lines_Of(*files.begin());
+  const auto regions = regions_Of(r);
+  ASSERT_GT(regions.size(), 0u);
+  ASSERT_EQ(lines.size(), 4 * regions.size());
+  std::set<size_t> found;
+  for (size_t i = 0; i < lines.size(); i += 4) {
+    const std::string tag = lines[i].substr(1, lines[i].size() - 2);
+    EXPECT_TRUE(std::regex_match(tag, std::regex("axi-[1-9][0-9]*"))) << tag;
+    EXPECT_EQ(lines[i], "<" + tag + ">");
+    EXPECT_EQ(lines[i + 3], "</" + tag + ">");
+    const T3DVEC p = point_Of(lines[i + 1]), q = point_Of(lines[i + 2]);
+    for (size_t k = 0; k < regions.size(); ++k) {
+      const T3DVEC off = p - regions[k].centre, along = q - p - 25.0 * regions[k].axis;
+      // The start lies on the line of the axis.
+      if (undercut::len(along) < 1e-5 &&
+          undercut::len(off - undercut::dot(off, regions[k].axis) * regions[k].axis) < 1e-5)
+        found.insert(k);
+    }
+  }
+  EXPECT_EQ(found.size(), regions.size());
+}
+
+TEST_F(EndFiles, OfTheFrames_AreMatrices_WithTheAxesInColumns) {
+  log("end", "");
+  dcm_end("trf");
+  TDcmRequest r(body());
+  add_Half(r);
+  ASSERT_EQ(r.call(), 0);
+  std::multiset<std::string> expected, found;
+  for (const TRegion& region : regions_Of(r)) {
+    const T3DFRM& f = region.frame;
+    char text[400];
+    std::snprintf(text, sizeof text,
+                  "%+14.8le %+14.8le %+14.8le %+14.8le\n%+14.8le %+14.8le %+14.8le %+14.8le\n"
+                  "%+14.8le %+14.8le %+14.8le %+14.8le\n",
+                  f.x.x, f.y.x, f.z.x, f.org.x, f.x.y, f.y.y, f.z.y, f.org.y, f.x.z, f.y.z, f.z.z,
+                  f.org.z);
+    expected.insert(std::string(text) +
+                    "+0.00000000e+00 +0.00000000e+00 +0.00000000e+00 +1.00000000e+00\n");
+  }
+  for (const std::string& file : list_Files()) {
+    EXPECT_TRUE(
+        std::regex_match(file, std::regex("run/13-end/00-[0-9]{2}-12-Lcs-[1-9][0-9]*\\.txt")))
+        << file;
+    found.insert(read(file));
+  }
+  EXPECT_GT(found.size(), 0u);
+  EXPECT_EQ(found, expected);
+}
+
+TEST_F(EndFiles, OfTheLatitudes_TellTheAngleFromTheNearerPole) {
+  log("end", "");
+  dcm_end("win");
+  defaults::set(dcm_Cnt, 8);
+  TDcmRequest r(small_Body());
+  r.add(0, r.triangles());
+  ASSERT_EQ(r.call(), 0);
+  const Names files = list_Files();
+  ASSERT_EQ(files.size(), 1u);
+  EXPECT_TRUE(std::regex_match(*files.begin(), std::regex("run/13-end/00-[0-9]{2}-13-Win\\.txt")));
+  std::multiset<std::string> expected, found;
+  for (const TRegion& region : regions_Of(r)) {
+    const double polar = undercut::car_ToSph(region.axis).x;
+    char text[80];
+    std::snprintf(text, sizeof text, "%s latitude := %+5.2lf [deg]",
+                  180 - polar > polar ? "north" : "south", std::min(polar, 180 - polar));
+    expected.insert(text);
+  }
+  const std::regex form("(north|south) latitude \\([0-9]{4}\\) := [+ ][0-9.]+ \\[deg\\]");
+  for (const std::string& line : lines_Of(*files.begin())) {
+    EXPECT_TRUE(std::regex_match(line, form)) << line;
+    found.insert(std::regex_replace(line, std::regex("\\([0-9]{4}\\) "), ""));
+  }
+  EXPECT_EQ(found, expected);
+  EXPECT_GT(count(read(*files.begin()), "north"), 0);
+  EXPECT_GT(count(read(*files.begin()), "south"), 0);
+}
+
+TEST_F(EndFiles, OfTheMap_ComeInEachType_AndOfNoOther) {
+  log("end", "ply stl txt sef pol");
+  dcm_end("uda");
+  TDcmRequest r(body());
+  add_Half(r);
+  ASSERT_EQ(r.call(), 0);
+  std::set<std::string> types;
+  const std::regex form("run/13-end/00-[0-9]{2}-14-UcA(\\.ply|\\.stl|-[0-9]+\\.(txt|sef|pol))");
+  std::multiset<uint32_t> listed;
+  for (const std::string& file : list_Files()) {
+    EXPECT_TRUE(std::regex_match(file, form)) << file;
+    const std::string type = file.substr(file.size() - 3);
+    types.insert(type);
+    if (type != "txt") continue;
+    const auto held = indices_Of(file);
+    listed.insert(held.begin(), held.end());
+  }
+  EXPECT_EQ(types, (std::set<std::string>{"ply", "stl", "txt", "sef", "pol"}));
+  EXPECT_EQ(listed.size(), r.triangles() / 2) << "each triangle once, the free ones too";
+}
+
+// Two strips of the ring that do not touch stay free, since no region survives.
+void add_TwoPatches(TDcmRequest& r) {
+  r.add(0, 40);
+  r.add(400, 430);
+  r.lists[0].insert(r.lists[0].end(), r.lists[1].begin(), r.lists[1].end());
+  r.lists.pop_back();
+  defaults::set(dcm_quo, 1e9);
+}
+
+TEST_F(EndFiles, OfTheFreeTriangles_HaveAListForEachPiece) {
+  log("end", "ply stl txt sef pol");
+  dcm_end("h2o");
+  TDcmRequest r(body());
+  add_TwoPatches(r);
+  ASSERT_EQ(r.call(), 0);
+  const Names files = list_Files();
+  ASSERT_EQ(files.size(), 8u);
+  const std::string stem = files.begin()->substr(0, std::string("run/13-end/00-00-15-H2O").size());
+  EXPECT_EQ(files,
+            (Names{stem + ".ply", stem + ".stl", stem + "-0.txt", stem + "-1.txt",
+                   stem + "-000.sef", stem + "-001.sef", stem + "-000.pol", stem + "-001.pol"}));
+  std::multiset<size_t> sizes = {indices_Of(stem + "-0.txt").size(),
+                                 indices_Of(stem + "-1.txt").size()};
+  EXPECT_EQ(sizes, (std::multiset<size_t>{30, 40}));
+  const std::string stl = read(stem + ".stl");
+  const uint32_t first = indices_Of(stem + "-0.txt")[0], second = indices_Of(stem + "-1.txt")[0];
+  EXPECT_EQ(stl[84 + 50 * first + 48], 1);
+  EXPECT_EQ(stl[84 + 50 * second + 48], 2);
+  EXPECT_EQ(stl[84 + 50 * 300 + 48], 0);
+}
+
+TEST_F(EndFiles, OfTheFreeTriangles_AreNone_ForOnePiece) {
+  log("end", "ply stl txt sef pol");
+  dcm_end("h2o");
+  defaults::set(dcm_quo, 1e9);
+  TDcmRequest r(body());
+  r.add(0, 40);
+  ASSERT_EQ(r.call(), 0);
+  EXPECT_TRUE(list_Files().empty());
+  EXPECT_EQ(list_Folders(), (Names{"run", "run/13-end"}));
+}
+
+TEST_F(EndFiles, CarryThePassNumberThatTheLoopEndedWith) {
+  log("end", "");
+  dcm_end("win");
+  defaults::set(dcm_max, 1);
+  defaults::set(dcm_Cnt, 1);
+  TDcmRequest r(small_Body());
+  r.add(0, r.triangles());
+  ASSERT_EQ(passes_Of(r), 2);
+  ASSERT_GT(r.rois[0].count, 0u);
+  EXPECT_EQ(list_Files(), Names{"run/13-end/00-02-13-Win.txt"}) << "both passes took triangles";
+}
+
+TEST_F(EndFiles, AreNone_WithoutTheStageWord) {
+  log("com", "");
+  dcm_end("axi trf win uda h2o");
+  EXPECT_TRUE(files_Of().empty());
+  EXPECT_FALSE(exists("run/13-end"));
+}
+
+// ---- Folders -----------------------------------------------------------------------------------
+
+TEST_F(StageFiles, LieUnderTheBaseFolderAndTheRunFolder) {
+  log("ini", "ply");
+  dcm_pth("one/two");
+  TDcmRequest r(body());
+  add_Half(r);
+  std::strcpy(r.req.dir, "base/of all");
+  ASSERT_EQ(r.call(), 0);
+  EXPECT_EQ(list_Files(), Names{"base/of all/one/two/02-h2o/00-00-02-H2O.ply"});
+}
+
+TEST_F(StageFiles, LieUnderAnAbsoluteBaseFolder) {
+  log("ini", "ply");
+  TDcmRequest r(body());
+  add_Half(r);
+  const std::string base = folder() + "/absolute";
+  ASSERT_LT(base.size(), sizeof r.req.dir);
+  std::strcpy(r.req.dir, base.c_str());
+  ASSERT_EQ(r.call(), 0);
+  EXPECT_EQ(list_Files(), Names{"absolute/run/02-h2o/00-00-02-H2O.ply"});
+}
+
+TEST_F(StageFiles, LieUnderTheCurrentFolder_WithoutABaseOrARunFolder) {
+  log("ini", "ply");
+  dcm_pth("");
+  EXPECT_EQ(files_Of(), Names{"02-h2o/00-00-02-H2O.ply"});
+}
+
+// A relative base folder of `length` characters.
+void set_Base(TDcmRequest& r, size_t length) {
+  std::string text;
+  while (text.size() < length) text += text.size() % 10 == 9 ? '/' : 'd';
+  if (text.back() == '/') text.back() = 'd';
+  std::strcpy(r.req.dir, text.c_str());
+}
+
+TEST_F(StageFiles, AreNone_WhereTheFolderDoesNotFitItsBuffer_AndNothingElseChanges) {
+  TDcmRequest plain(body()), r(body());
+  add_Half(plain);
+  add_Half(r);
+  ASSERT_EQ(plain.call(), 0);
+  log("cri ini fwd del rnk bwd com end flt", "ply");
+  dcm_end("axi trf win uda h2o");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  set_Base(r, 255);
+  EXPECT_EQ(r.call(), 0);
+  EXPECT_EQ(bytes_Of(r.res), bytes_Of(plain.res));
+  EXPECT_TRUE(list_Files().empty());
+  EXPECT_TRUE(list_Folders().empty());
+}
+
+TEST_F(StageFiles, FitUpTo255CharactersOfFolder) {
+  log("fwd", "txt");
+  dcm_fwd("map");
+  defaults::set(dcm_max, 1);
+  const size_t rest = std::string("/run/03-fwd/").size();
+  for (const size_t length : {255 - rest, 256 - rest}) {
+    clear();
+    TDcmRequest r(body());
+    add_Half(r);
+    set_Base(r, length);
+    ASSERT_EQ(r.call(), 0);
+    EXPECT_EQ(list_Files().empty(), length + rest > 255);
+    for (const std::string& name : list_Files())
+      EXPECT_EQ(name.find("/map/"), std::string::npos) << "the longer folder of steps does not fit";
+  }
+}
+
+// ---- No effect on results ----------------------------------------------------------------------
+
+TEST_F(StageFiles, ChangeNoResult) {
+  TDcmRequest plain(body()), r(body());
+  plain.add_Halves();
+  r.add_Halves();
+  const int32_t status = plain.call();
+  ASSERT_GT(plain.res.uca_t.data[0].count, 1u);
+  log("cri ini fwd del rnk bwd com end flt", "ply stl txt sef pol");
+  dcm_fwd("map lnd");
+  dcm_bwd("map lnd");
+  dcm_end("axi trf win uda h2o");
+  dcm_geo("cen pcs pml tcs tml fsp elp");
+  dcm_lcs("pol trf");
+  defaults::set(dcm_mod, 5u);
+  EXPECT_EQ(r.call(), status);
+  EXPECT_EQ(bytes_Of(r.res), bytes_Of(plain.res));
+  EXPECT_EQ(r.lists, plain.lists) << "what stayed free";
+  EXPECT_GT(list_Files().size(), 500u);
+}
+
+TEST_F(StageFiles, ThatCannotBeWritten_ChangeNoResult) {
+  TDcmRequest plain(body()), r(body());
+  add_Half(plain);
+  add_Half(r);
+  ASSERT_EQ(plain.call(), 0);
+  std::ofstream("run") << "in the way of the folder";
+  log("cri ini fwd del rnk bwd com end", "ply stl txt sef pol");
+  dcm_fwd("map lnd");
+  dcm_end("uda h2o");
+  dcm_geo("cen pcs pml tcs tml fsp elp");
+  defaults::set(dcm_mod, 20u);
+  testing::internal::CaptureStderr();  // the writer of .sef speaks of each file
+  EXPECT_EQ(r.call(), 0);
+  testing::internal::GetCapturedStderr();
+  EXPECT_EQ(bytes_Of(r.res), bytes_Of(plain.res));
+}
+
+}  // namespace
