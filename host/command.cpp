@@ -41,20 +41,21 @@ void warn_Unread(const DecomposeOptions& options, std::ostream& err) {
 }
 
 // Tells on a terminal which attempt is on its way, so that a long run shows life.
-Attempt make_Attempt(LibraryCall& call, bool talk, std::ostream& err) {
-  return
-      [&call, talk, &err, count = 0](const std::vector<Patch>& patches, double aperture) mutable {
-        ++count;
-        if (talk) {
-          size_t triangles = 0;
-          for (const Patch& patch : patches) triangles += patch.triangles.size();
-          err << "attempt " << count << ": " << triangles << " triangles in " << patches.size()
-              << (patches.size() == 1 ? " patch" : " patches") << ", aperture "
-              << fixed_Text(aperture, 0) << " deg\n"
-              << std::flush;
-        }
-        return call.run(patches, aperture);
-      };
+Attempt make_Attempt(LibraryCall& call, Prepared& prepared, bool talk, std::ostream& err) {
+  return [&call, &prepared, talk, &err, count = 0](const std::vector<Patch>& patches,
+                                                   const Rung& rung) mutable {
+    ++count;
+    if (talk) {
+      size_t triangles = 0;
+      for (const Patch& patch : patches) triangles += patch.triangles.size();
+      err << "attempt " << count << ": " << triangles << " triangles in " << patches.size()
+          << (patches.size() == 1 ? " patch" : " patches") << ", aperture "
+          << fixed_Text(rung.aperture, 0) << " deg, position " << rung.position + 1 << "\n"
+          << std::flush;
+    }
+    place_Vertices(prepared, rung.position);
+    return call.run(patches, rung.aperture);
+  };
 }
 
 Answer compute_Answer(const DecomposeOptions& options, const Part& part,
@@ -67,10 +68,11 @@ Answer compute_Answer(const DecomposeOptions& options, const Part& part,
   if (options.stage_files) rules.stage_folder = options.folder / "stages";
   LibraryCall call(prepared.mesh, rules);
   const double aperture = find_Aperture(options.settings);
-  const LadderRules ladder =
-      options.plain ? LadderRules{{aperture}, 0, false} : make_Ladder(aperture);
-  const Climb climb = climb_Ladder(make_Patches(part, prepared, rois), ladder,
-                                   find_Centres(prepared.mesh), make_Attempt(call, terminal, err));
+  const LadderRules ladder = options.plain ? LadderRules{{}, {{aperture, 0, false}}, 0}
+                                           : make_Ladder(aperture, prepared.mesh.triangles.size());
+  const Climb climb =
+      climb_Ladder(make_Patches(part, prepared, rois), ladder, find_Centres(prepared.mesh),
+                   make_Attempt(call, prepared, terminal, err));
   Answer answer = assemble_Answer(part, prepared, rois, climb);
   answer.times = call.times();
   answer.status = call.status();

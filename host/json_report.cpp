@@ -56,9 +56,9 @@ Json show_Region(const Region& region) {
 }
 
 Json show_Note(const CallNote& note) {
-  return {{"call", note.call},           {"aperture", note.aperture}, {"patches", note.patches},
-          {"triangles", note.triangles}, {"failed", note.failed},     {"first", note.first},
-          {"second", note.second}};
+  return {{"call", note.call},       {"aperture", note.aperture},   {"position", note.position},
+          {"patches", note.patches}, {"triangles", note.triangles}, {"failed", note.failed},
+          {"first", note.first},     {"second", note.second}};
 }
 
 Json show_Needed(const RoiAnswer& roi) {

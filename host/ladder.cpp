@@ -11,14 +11,19 @@ namespace {
 // Enough to come down to single triangles on parts of a million.
 constexpr uint32_t kMostHalvings = 20;
 
-void note_Call(Climb& climb, const std::vector<Patch>& patches, double aperture,
+// Tries of whole patches at each aperture, the user's first; meshes of more triangles than this get
+// fewer.
+constexpr uint32_t kTriesAtFirst = 10, kTriesLater = 4;
+constexpr size_t kFullTries = 200000;
+
+void note_Call(Climb& climb, const std::vector<Patch>& patches, const Rung& rung,
                const std::vector<Outcome>& outcomes) {
   std::vector<CallNote> notes;
   for (size_t i = 0; i < patches.size(); ++i) {
     const auto same = [&](const CallNote& n) { return n.roi == patches[i].roi; };
     auto note = std::find_if(notes.begin(), notes.end(), same);
     if (note == notes.end()) {
-      notes.push_back({climb.calls, patches[i].roi, aperture, 0, 0, 0, 0, 0});
+      notes.push_back({climb.calls, patches[i].roi, rung.aperture, rung.position, 0, 0, 0, 0, 0});
       note = std::prev(notes.end());
     }
     ++note->patches;
@@ -57,8 +62,8 @@ Pieces split_Failed(const Patch& patch, const Outcome& outcome) {
 }
 
 // What is left to do on a rung, and what has to go on to the next one.
-struct Rung {
-  double aperture = 0.0;
+struct Trial {
+  Rung rung;
   std::vector<Patch> pending, failed;
 };
 
@@ -66,36 +71,40 @@ void add_Patch(std::vector<Patch>& patches, const Patch& like, std::vector<uint3
   if (!triangles.empty()) patches.push_back({like.roi, like.halvings, std::move(triangles)});
 }
 
-void sort_Failed(Climb& climb, Rung& rung, const Patch& patch, Outcome& outcome, bool again) {
+void sort_Failed(Climb& climb, Trial& trial, const Patch& patch, Outcome& outcome) {
+  if (!trial.rung.again) {
+    trial.failed.push_back(patch);
+    return;
+  }
   Pieces pieces = split_Failed(patch, outcome);
   const bool progress = pieces.let_go.size() < patch.triangles.size();
-  add_Patch(again && progress ? rung.pending : rung.failed, patch, std::move(pieces.let_go));
-  add_Patch(rung.failed, patch, std::move(pieces.failed));
+  add_Patch(progress ? trial.pending : trial.failed, patch, std::move(pieces.let_go));
+  add_Patch(trial.failed, patch, std::move(pieces.failed));
   if (pieces.settled.empty()) return;
   climb.settled.push_back({{patch.roi, patch.halvings, std::move(pieces.settled)},
-                           rung.aperture,
+                           trial.rung.aperture,
                            std::move(outcome.regions)});
 }
 
-// Tries all patches at one aperture; returns those that failed. What is offered again is fewer
+// Tries all patches on one rung; returns those that failed. What is offered again is fewer
 // triangles each time, so this ends.
-std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, double aperture, bool again,
+std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, const Rung& rung,
                             const Attempt& attempt) {
-  Rung rung{aperture, std::move(patches), {}};
-  while (!rung.pending.empty()) {
-    const std::vector<Patch> offered = std::exchange(rung.pending, {});
+  Trial trial{rung, std::move(patches), {}};
+  while (!trial.pending.empty()) {
+    const std::vector<Patch> offered = std::exchange(trial.pending, {});
     ++climb.calls;
-    std::vector<Outcome> outcomes = attempt(offered, aperture);
-    note_Call(climb, offered, aperture, outcomes);
+    std::vector<Outcome> outcomes = attempt(offered, rung);
+    note_Call(climb, offered, rung, outcomes);
     for (size_t i = 0; i < offered.size(); ++i) {
       if (outcomes[i].first == 0) {
-        climb.settled.push_back({offered[i], aperture, std::move(outcomes[i].regions)});
+        climb.settled.push_back({offered[i], rung.aperture, std::move(outcomes[i].regions)});
       } else {
-        sort_Failed(climb, rung, offered[i], outcomes[i], again);
+        sort_Failed(climb, trial, offered[i], outcomes[i]);
       }
     }
   }
-  return rung.failed;
+  return trial.failed;
 }
 
 double pick_Axis(const T3DVEC& v, int axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
@@ -120,11 +129,18 @@ int find_LongestAxis(const Patch& patch, const std::vector<T3DVEC>& centres) {
 
 }  // namespace
 
-LadderRules make_Ladder(double aperture) {
-  LadderRules rules{{aperture}, kMostHalvings, true};
-  for (const double rung : {40.0, 30.0, 25.0, 20.0, 15.0, 10.0}) {
-    if (rung < aperture) rules.apertures.push_back(rung);
-  }
+LadderRules make_Ladder(double aperture, size_t triangles) {
+  LadderRules rules{{}, {{aperture, 0, true}}, kMostHalvings};
+  const auto fewer = static_cast<uint32_t>(triangles / kFullTries + 1);
+  const auto add_Tries = [&](double rung, uint32_t tries) {
+    for (uint32_t position = 0; position < (tries + fewer - 1) / fewer; ++position)
+      rules.whole.push_back({rung, position, false});
+  };
+  add_Tries(aperture, kTriesAtFirst);
+  for (const double rung : {45.0, 40.0, 30.0})
+    if (rung < aperture) add_Tries(rung, kTriesLater);
+  for (const double rung : {40.0, 30.0, 25.0, 20.0, 15.0, 10.0})
+    if (rung < aperture) rules.rungs.push_back({rung, 0, true});
   return rules;
 }
 
@@ -151,9 +167,12 @@ Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
                    const std::vector<T3DVEC>& centres, const Attempt& attempt) {
   Climb climb;
   std::erase_if(patches, [](const Patch& patch) { return patch.triangles.empty(); });
+  for (const Rung& rung : rules.whole) {
+    patches = try_Rung(climb, std::move(patches), rung, attempt);
+  }
   while (!patches.empty()) {
-    for (const double aperture : rules.apertures) {
-      patches = try_Rung(climb, std::move(patches), aperture, rules.again, attempt);
+    for (const Rung& rung : rules.rungs) {
+      patches = try_Rung(climb, std::move(patches), rung, attempt);
     }
     std::vector<Patch> halves;
     for (Patch& patch : patches) {

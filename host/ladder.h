@@ -38,13 +38,20 @@ struct Outcome {
   std::vector<uint32_t> rest;
 };
 
-// Offers all patches at one aperture, in one call of the library; one outcome for each.
-using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, double aperture)>;
+// One way to offer a patch.
+struct Rung {
+  double aperture = 0.0;  // T_win, degrees
+  uint32_t position = 0;  // which of the general positions the mesh is brought into
+  bool again = false;     // offer again, in pieces, what a failed attempt let go of
+};
+
+// Offers all patches on one rung, in one call of the library; one outcome for each.
+using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, const Rung&)>;
 
 struct LadderRules {
-  std::vector<double> apertures;  // the rungs, in the order of trial
+  std::vector<Rung> whole;  // tried first, with patches as they come
+  std::vector<Rung> rungs;  // then these, and again for each half
   uint32_t most_halvings = 0;
-  bool again = false;  // offer again what a failed attempt let go of
 };
 
 struct Settled {
@@ -57,6 +64,7 @@ struct Settled {
 struct CallNote {
   uint32_t call = 0, roi = 0;
   double aperture = 0.0;
+  uint32_t position = 0;
   uint32_t patches = 0, failed = 0;
   size_t triangles = 0;
   int32_t first = 0, second = 0;  // codes of the first patch that has any
@@ -69,16 +77,20 @@ struct Climb {
   uint32_t calls = 0;
 };
 
-// The user's aperture first, then the narrower ones of 40, 30, 25, 20, 15, 10 degrees.
-LadderRules make_Ladder(double aperture);
+// Whether growth meets a frame that lags too far behind is a matter of chance, so that the same
+// patch in another position often goes through whole: that is tried first, at the user's aperture
+// and a few narrower ones, fewer times for larger meshes. Then come the user's aperture and the
+// narrower ones of 40, 30, 25, 20, 15, 10 degrees, in pieces.
+LadderRules make_Ladder(double aperture, size_t triangles);
 
 // The halves of a patch: cut at the median of the centres along their longest extent. Equal
 // coordinates go by triangle number, so the halves are the same on every machine.
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres);
 
 // All patches start on the first rung together. Those that fail go down rung by rung; those that
-// fail on the last are halved and start anew. Where some passes of an attempt went well, the
-// triangles that they had dealt with are offered again on the same rung, without the rest.
+// fail on the last are halved and start anew, behind the rungs for whole patches. Where some passes
+// of an attempt went well, the triangles that they had dealt with are offered again on the same
+// rung, without the rest.
 Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
                    const std::vector<T3DVEC>& centres, const Attempt& attempt);
 

@@ -19,10 +19,41 @@ uint64_t mix_Bits(uint64_t value) {
   return value ^ (value >> 31);
 }
 
-// From -1 to 1, the same for the same index and axis on every machine.
-double spread_Index(uint32_t index, uint32_t axis) {
-  const uint64_t bits = mix_Bits(3 * uint64_t{index} + axis) >> 11;
+// From -1 to 1, the same for the same position, index and axis on every machine.
+double spread_Index(uint32_t position, uint32_t index, uint32_t axis) {
+  const uint64_t bits = mix_Bits((uint64_t{position} << 40) + 3 * uint64_t{index} + axis) >> 11;
   return static_cast<double>(bits) * 0x1p-52 - 1.0;
+}
+
+// A share of the shortest edge at each vertex, 0 for a vertex without edges.
+std::vector<double> find_Reach(const Mesh& mesh, double share) {
+  constexpr double kNone = std::numeric_limits<double>::max();
+  std::vector<double> reach(mesh.vertices.size(), kNone);
+  for (const T3DTRI& t : mesh.triangles) {
+    const uint32_t ring[4] = {t.a, t.b, t.c, t.a};
+    for (int k = 0; k < 3; ++k) {
+      const uint32_t a = ring[k], b = ring[k + 1];
+      if (a == b) continue;
+      const double length = len_Vec(mesh.vertices[b] - mesh.vertices[a]);
+      reach[a] = std::min(reach[a], length);
+      reach[b] = std::min(reach[b], length);
+    }
+  }
+  for (double& length : reach) length = length == kNone ? 0.0 : share * length;
+  return reach;
+}
+
+// For each vertex of a mesh whose triangles were given copies of vertices the one that it was.
+std::vector<uint32_t> find_Roots(const Mesh& before, const Mesh& after) {
+  std::vector<uint32_t> root(after.vertices.size());
+  std::iota(root.begin(), root.end(), 0u);
+  for (size_t i = 0; i < after.triangles.size(); ++i) {
+    const T3DTRI &old = before.triangles[i], &now = after.triangles[i];
+    root[now.a] = old.a;
+    root[now.b] = old.b;
+    root[now.c] = old.c;
+  }
+  return root;
 }
 
 std::array<uint32_t, 3> sort_Corners(const T3DTRI& t) {
@@ -68,23 +99,12 @@ Rotation rotate_Up(const T3DVEC& up) {
           {u.x, u.y, u.z}};
 }
 
-void displace_Vertices(Mesh& mesh, double share) {
-  constexpr double kNone = std::numeric_limits<double>::max();
-  std::vector<double> shortest(mesh.vertices.size(), kNone);
-  for (const T3DTRI& t : mesh.triangles) {
-    const uint32_t ring[4] = {t.a, t.b, t.c, t.a};
-    for (int k = 0; k < 3; ++k) {
-      const uint32_t a = ring[k], b = ring[k + 1];
-      if (a == b) continue;
-      const double length = len_Vec(mesh.vertices[b] - mesh.vertices[a]);
-      shortest[a] = std::min(shortest[a], length);
-      shortest[b] = std::min(shortest[b], length);
-    }
-  }
-  for (uint32_t v = 0; v < mesh.vertices.size(); ++v) {
-    if (shortest[v] == kNone) continue;
-    const T3DVEC way{spread_Index(v, 0), spread_Index(v, 1), spread_Index(v, 2)};
-    mesh.vertices[v] = mesh.vertices[v] + (share * shortest[v]) * unit_Vec(way);
+void place_Vertices(Prepared& prepared, uint32_t position) {
+  for (uint32_t v = 0; v < prepared.rest.size(); ++v) {
+    const uint32_t root = prepared.root[v];
+    const T3DVEC way{spread_Index(position, root, 0), spread_Index(position, root, 1),
+                     spread_Index(position, root, 2)};
+    prepared.mesh.vertices[v] = prepared.rest[v] + prepared.reach[root] * unit_Vec(way);
   }
 }
 
@@ -130,11 +150,14 @@ Prepared prepare_Mesh(const Mesh& mesh, const PrepareRules& rules) {
     prepared.origin = std::move(refined.origin);
     prepared.apart.assign(prepared.mesh.triangles.size(), false);
   }
-  // Needles are told before the displacement, which would blur them.
+  const Mesh joined = prepared.mesh;
   if (rules.needle > 0.0) prepared.apart = find_Awkward(prepared.mesh, rules.needle);
-  if (rules.displacement > 0.0) displace_Vertices(prepared.mesh, rules.displacement);
   set_Apart(prepared.mesh, prepared.apart);
   if (rules.cut) cut_Singular(prepared.mesh);
+  prepared.rest = prepared.mesh.vertices;
+  prepared.reach = find_Reach(joined, rules.displacement);
+  prepared.root = find_Roots(joined, prepared.mesh);
+  place_Vertices(prepared, 0);
   return prepared;
 }
 

@@ -34,13 +34,19 @@ struct Prepared {
   std::vector<uint32_t> origin;  // for each of its triangles that of the file, never descending
   std::vector<bool> apart;       // for each of its triangles: nobody's neighbour, to be left out
   Rotation rotation;             // from the file's coordinates to the machine's
+  // For each vertex where it rests, how far it may be displaced on each axis, and the vertex that
+  // it is a copy of: copies go where that goes.
+  std::vector<T3DVEC> rest;
+  std::vector<double> reach;
+  std::vector<uint32_t> root;
 };
 
 // The shortest rotation that takes `up`, not zero, to Z. Turns by right angles are exact.
 Rotation rotate_Up(const T3DVEC& up);
 
-// Moves each vertex by `share` of its shortest edge in a direction that hangs on its index alone.
-void displace_Vertices(Mesh& mesh, double share);
+// Brings the mesh into a general position: each vertex is moved as far as it may be, in a direction
+// that hangs on its root and on the number of the position alone.
+void place_Vertices(Prepared& prepared, uint32_t position);
 
 // Triangles whose height over their longest edge is not above `share` of that edge, and those that
 // have the same three corners as an earlier one.

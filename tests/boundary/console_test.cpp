@@ -1,8 +1,10 @@
 // What get_Dcm prints: a line for each stage on standard output, progress on standard error.
 #include <cmath>
-#include <regex>
 
 #include "tests/boundary/dcm_request.h"
+#include "tests/support/patterns.h"
+
+using undercut::tests::Pattern;
 
 namespace {
 
@@ -102,12 +104,12 @@ TEST_F(Console, PadsLabelsTo50Columns_AndTellsMinutesSecondsMilliseconds) {
   TDcmRequest r(make_Dome());
   r.add(0, r.triangles());
   const TShown shown = call_With(r, 1, 0);
-  const std::regex form(
+  const Pattern form(
       ".{50}\\.\\.\\. done ! :: \\[[ 0-9][0-9] min : [ 0-9][0-9] sec : [ 0-9]{2}[0-9] mil\\] ");
   const auto lines = split(shown.out);
   ASSERT_EQ(lines.size(), 11u);
   for (const std::string& line : lines) {
-    EXPECT_TRUE(std::regex_match(line, form)) << "'" << line << "'";
+    EXPECT_TRUE(form.match(line)) << "'" << line << "'";
     EXPECT_EQ(line.find("... done"), 50u);
   }
   EXPECT_EQ(shown.out.back(), '\n');
@@ -145,7 +147,7 @@ TEST_F(Console, ShowsProgressOfGrowthAndBalancing_OnStandardError) {
   EXPECT_NE(shown.err.find("\r[0] [/]  99 %"), std::string::npos);
   std::string rest = shown.err;
   for (size_t at; (at = rest.find(erased)) != std::string::npos;) rest.erase(at, erased.size());
-  EXPECT_TRUE(std::regex_match(rest, std::regex("(\r\\[0\\] \\[[-\\\\|/]\\] [ 0-9]{2}[0-9] %)+")));
+  EXPECT_TRUE(Pattern("(\r\\[0\\] \\[[-\\\\|/]\\] [ 0-9]{2}[0-9] %)+").match(rest));
 }
 
 TEST_F(Console, ShowsProgressAfterTheLine_OnlyInItsTwoStages) {

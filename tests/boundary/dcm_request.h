@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <undercut/exports.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -92,5 +94,14 @@ class Decomposition : public undercut::InFolder {
     return n;
   }
 };
+
+// Angles of a direction in degrees: from +Z, and round it from +X, 0 to 360.
+inline double polar_Of(const T3DVEC& d) {
+  return std::acos(std::clamp(d.z / undercut::len(d), -1.0, 1.0)) * undercut::kDegrees;
+}
+inline double azimuth_Of(const T3DVEC& d) {
+  const double angle = std::atan2(d.y, d.x) * undercut::kDegrees;
+  return angle < 0 ? angle + 360 : angle;
+}
 
 inline bodies::TBody small_Body() { return bodies::make_Ring(1800); }

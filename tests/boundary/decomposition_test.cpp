@@ -64,7 +64,7 @@ TEST_F(Decomposition, HoldsAxesWithinTheirBands) {
   ASSERT_EQ(r.call(), 0);
   for (uint32_t k = 0; k < r.res.uca_a.data[0].count; ++k) {
     const T3DVEC dir = r.res.uca_a.data[0].data[k].dir;
-    const double polar = undercut::car_ToSph(-dir).x;
+    const double polar = polar_Of(-dir);
     const bool in_Band =
         polar <= 20 + 1e-9 || polar >= 160 - 1e-9 || (polar >= 80 - 1e-9 && polar <= 100 + 1e-9);
     EXPECT_TRUE(in_Band) << polar;
@@ -78,10 +78,10 @@ TEST_F(Decomposition, SnapsAzimuths_OnAFourAxisMachine) {
   r.add(0, r.triangles());
   ASSERT_LE(r.call(), 1);
   for (uint32_t k = 0; k < r.res.uca_a.data[0].count; ++k) {
-    const T3DVEC axis = undercut::car_ToSph(-r.res.uca_a.data[0].data[k].dir);
-    if (std::sin(axis.x * undercut::kRadians) < 1e-6) continue;  // a pole has no azimuth
-    const double off = std::fmod(axis.y, 180.0);
-    EXPECT_LT(std::min(off, 180.0 - off), 1e-6) << axis.y;
+    const T3DVEC axis = -r.res.uca_a.data[0].data[k].dir;
+    if (std::hypot(axis.x, axis.y) < 1e-6) continue;  // a pole has no azimuth
+    const double off = std::fmod(azimuth_Of(axis), 180.0);
+    EXPECT_LT(std::min(off, 180.0 - off), 1e-6) << azimuth_Of(axis);
   }
 }
 

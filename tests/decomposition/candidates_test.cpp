@@ -22,8 +22,8 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 TSoup make_Roofed(double tilt, double height, double reach) {
   TSoup soup;
   for (const T3DVEC& v : {T3DVEC{0, 0, 0}, {3, 0, 0}, {0, 3, 0}})
-    soup.vtx.push_back({1 + (v.x - 1) * std::cos(tilt * kRadians), v.y,
-                        -(v.x - 1) * std::sin(tilt * kRadians)});
+    soup.vtx.push_back(
+        {1 + (v.x - 1) * std::cos(tilt * kRadians), v.y, -(v.x - 1) * std::sin(tilt * kRadians)});
   soup.vtx.push_back({6, 6, 0});
   soup.tri = {{0, 1, 2}, {1, 3, 2}};
   for (const T3DVEC& v : {T3DVEC{reach, -50, height}, {reach, 50, height}, {-50, 0, height}})
@@ -122,7 +122,7 @@ TEST(TestCand, KeepsTheLiftInTheShiftedPoint) {
   EXPECT_TRUE(scene.test());
 }
 
-TEST(TestCand, ShiftsATriangleNearlyAcrossTheAxisAlongItsNormal) {
+TEST(TestCand, WithinTheNullAngle_ShiftsAlongTheNormal) {
   // Along the normal 0.15 gets only 0.075 to the side, which is not enough.
   TScene scene(30, 1, 1.1);
   scene.rig.cnd.null_angle = 40;
@@ -131,7 +131,7 @@ TEST(TestCand, ShiftsATriangleNearlyAcrossTheAxisAlongItsNormal) {
   EXPECT_TRUE(flat.test()) << "sideways there is no way out";
 }
 
-TEST(TestCand, ShiftsATriangleThatFacesDownAlongItsNormalToo) {
+TEST(TestCand, WithinTheNullAngleOfTheOppositeAxis_ShiftsAlongTheNormalToo) {
   // Under itself: only a way to the side leads out.
   TScene scene(177, 1, -40);
   scene.region->measures.normal = {0, 0, -1};

@@ -42,9 +42,8 @@ TEST(Fan, GoesRoundBothEndsOfASingleEdgeUpToTheRegion) {
   EXPECT_EQ(q_Bnd(world.map, world.map.get_Uca(1), 1), 1.0);
 }
 
-TEST(Fan, WalksTheEndWithTheLowerCornerFirst) {
-  // Triangle 16 of a sheet of 4 by 4 squares has corners 10, 11 and 16; the edge from 11 to 16 lies
-  // on the region.
+TEST(Fan, GoesRoundTheFirstEndOfTheEdgeFirst) {
+  // Triangle 20 touches the region by its second edge: first round the corner before that edge.
   TWorld world(make_Grid(4, 4));
   world.start();
   const int32_t across = world.map.slots[20][1];

@@ -56,7 +56,8 @@ class CPlainStages {
   uint64_t turn_limit = 0;  // of balancing; 0 stands for that of the library
   uint64_t guarded = 0;     // circles that the guard has broken
 
-  // ---- Is the triangle acceptable? ---------------------------------------------------------------
+  // ---- Is the triangle acceptable?
+  // ---------------------------------------------------------------
 
   T3DVEC axis_With(const CUcA& r, const T3DVEC& n) const {
     const double N = r.count;
@@ -82,14 +83,14 @@ class CPlainStages {
     if (g > par.w_nul && g < 180 - par.w_nul) {
       const double d = n.x * a.x + n.y * a.y + n.z * a.z;
       u_dir = plain_Unit({n.x - d * a.x, n.y - d * a.y, n.z - d * a.z});
-      if (u_dir.x * n.x + u_dir.y * n.y + u_dir.z * n.z < 0)
-        u_dir = {-u_dir.x, -u_dir.y, -u_dir.z};
+      if (u_dir.x * n.x + u_dir.y * n.y + u_dir.z * n.z < 0) u_dir = {-u_dir.x, -u_dir.y, -u_dir.z};
     }
     p = {p.x + fuzz * u_dir.x, p.y + fuzz * u_dir.y, p.z + fuzz * u_dir.z};
     return !tree.AnyHit({p, a});
   }
 
-  // ---- How much is it wanted? --------------------------------------------------------------------
+  // ---- How much is it wanted?
+  // --------------------------------------------------------------------
 
   double normal_Measure(const CUcA& r, const T3DFAC& f) const {
     must(par.T_win > 0 && par.T_win < 180);
@@ -192,13 +193,14 @@ class CPlainStages {
     const double e0 = normal_Measure(r, f), e1 = axis_Measure(r, f), e2 = border_Measure(r, u);
     const double e3 = shape_Measure(r, f), e4 = map.region_of[u] == 0 ? 1.0 : 0.0;
     for (const double e : {e0, e1, e2, e3, e4}) must(e >= 0 && e <= 1);
-    const double sum = par.T_gw0 * e0 + par.T_gw1 * e1 + par.T_gw2 * e2 + par.T_gw3 * e3 +
-                       par.T_gw4 * e4;
+    const double sum =
+        par.T_gw0 * e0 + par.T_gw1 * e1 + par.T_gw2 * e2 + par.T_gw3 * e3 + par.T_gw4 * e4;
     must(!std::isnan(sum));
     return -sum;
   }
 
-  // ---- Candidates --------------------------------------------------------------------------------
+  // ---- Candidates
+  // --------------------------------------------------------------------------------
 
   bool has(int32_t id, uint32_t u) { return wishes[id].count(u) != 0; }
   void want(const CUcA& r, uint32_t u) {
@@ -215,7 +217,8 @@ class CPlainStages {
     return true;
   }
 
-  // ---- Growth ------------------------------------------------------------------------------------
+  // ---- Growth
+  // ------------------------------------------------------------------------------------
 
   void plant(CUcA& r, uint32_t t, int32_t band) const {
     const T3DFAC f = get_Fac(map.msh, t);
@@ -298,7 +301,8 @@ class CPlainStages {
     }
   }
 
-  // ---- Deletion ----------------------------------------------------------------------------------
+  // ---- Deletion
+  // ----------------------------------------------------------------------------------
 
   double score(const CUcA& r) const {
     if (!std::strcmp(par.F_srt, "srf")) return r.measures.area;
@@ -342,7 +346,8 @@ class CPlainStages {
     }
   }
 
-  // ---- Ranking -----------------------------------------------------------------------------------
+  // ---- Ranking
+  // -----------------------------------------------------------------------------------
 
   double rank_Of(const CUcA& r) const {
     const double A = r.measures.area, P = r.measures.perimeter;
@@ -376,7 +381,8 @@ class CPlainStages {
     }
   }
 
-  // ---- Balancing ---------------------------------------------------------------------------------
+  // ---- Balancing
+  // ---------------------------------------------------------------------------------
 
   struct TWatch {
     int32_t from = -1, to = -1;
