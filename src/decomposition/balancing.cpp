@@ -2,8 +2,9 @@
 // of lowest rank takes its best candidate, even from another region, again and again; one that
 // finds no acceptable candidate is finished, and its triangles are locked.
 //
-// A guard ends circles of a triangle between two regions. Circles through three would go on for
-// ever, so the stage fails after a bounded number of turns.
+// A guard ends circles of one triangle between two regions. Other circles, through three regions or
+// of ever other triangles between two, would go on for ever, so the stage fails after a bounded
+// number of turns.
 #include <set>
 
 #include "decomposition/stage.h"

@@ -9,24 +9,28 @@ namespace undercut {
 
 namespace {
 
-// Appends to scratch A; false if it is full.
+// Appends to scratch A, and marks; false if it is full.
 bool push_Fan(CMap& map, int32_t triangle) {
-  if (map.scratch_a.count == map.scratch_a.capacity) return false;
-  map.scratch_a.data[map.scratch_a.count++] = static_cast<uint32_t>(triangle);
+  TLst<uint32_t>& fan = map.scratch_a;
+  if (fan.count == fan.capacity) return false;
+  fan.data[fan.count++] = static_cast<uint32_t>(triangle);
+  map.mark.set(static_cast<uint32_t>(triangle));
   return true;
 }
 
-// The edge of a triangle that leads on round the pivot: one end is the pivot, the other is not the
-// vertex that the walk came by. 3 if there is none.
-uint32_t edge_On(const T3DTRI& tri, uint32_t pivot, uint32_t came_by, uint32_t& other) {
+// The edge of a triangle that leads on round the pivot, the first of its three: one end is the
+// pivot, the other is not the vertex that the walk came by, and takes its place. 3 if there is
+// none.
+uint32_t edge_On(const T3DTRI& tri, uint32_t pivot, uint32_t& came_by) {
+  const uint32_t ends[4] = {tri.a, tri.b, tri.c, tri.a};
   for (uint32_t k = 0; k < 3; ++k) {
-    const uint32_t p = corner(tri, k), q = corner(tri, k + 1);
+    const uint32_t p = ends[k], q = ends[k + 1];
     if (p == pivot && q != came_by) {
-      other = q;
+      came_by = q;
       return k;
     }
     if (q == pivot && p != came_by) {
-      other = p;
+      came_by = p;
       return k;
     }
   }
@@ -43,7 +47,7 @@ bool walk_Round(CMap& map, uint32_t start, uint32_t k, uint32_t pivot, uint32_t 
     if (to == -1 || map.region_of[to] == id || map.region_of[to] == -1) return true;
     if (!push_Fan(map, to)) return false;
     at = static_cast<uint32_t>(to);
-    k = edge_On(map.msh.tri[at], pivot, last, last);
+    k = edge_On(map.msh.tri[at], pivot, last);
     if (k == 3) return true;
   }
 }
@@ -51,12 +55,9 @@ bool walk_Round(CMap& map, uint32_t start, uint32_t k, uint32_t pivot, uint32_t 
 }  // namespace
 
 bool walk_Fan(CMap& map, uint32_t triangle, int32_t id) {
-  TLst<uint32_t>& fan = map.scratch_a;
-  for (uint32_t i = 0; i < fan.count; ++i) map.mark.clear(fan.data[i]);
-  fan.count = 0;
+  map.mark.clear_All();
+  map.scratch_a.count = 0;
   if (map.region_of[triangle] == id) return false;
-  push_Fan(map, static_cast<int32_t>(triangle));
-
   uint32_t touching = 0, k = 0;
   for (uint32_t slot = 0; slot < 3; ++slot) {
     const int32_t nb = map.slots[triangle][slot];
@@ -65,14 +66,12 @@ bool walk_Fan(CMap& map, uint32_t triangle, int32_t id) {
     k = slot;
   }
   if (touching == 0) return false;
-  if (touching == 1) {
-    const T3DTRI& tri = map.msh.tri[triangle];
-    const uint32_t p = corner(tri, k), q = corner(tri, k + 1), o = corner(tri, k + 2);
-    if (!walk_Round(map, triangle, (k + 2) % 3, p, o, id)) return false;
-    if (!walk_Round(map, triangle, (k + 1) % 3, q, o, id)) return false;
-  }
-  for (uint32_t i = 0; i < fan.count; ++i) map.mark.set(fan.data[i]);
-  return true;
+  push_Fan(map, static_cast<int32_t>(triangle));
+  if (touching >= 2) return true;  // the candidate alone
+  const T3DTRI& tri = map.msh.tri[triangle];
+  const uint32_t p = corner(tri, k), q = corner(tri, k + 1), o = corner(tri, k + 2);
+  return walk_Round(map, triangle, (k + 2) % 3, p, o, id) &&
+         walk_Round(map, triangle, (k + 1) % 3, q, o, id);
 }
 
 bool sum_Fan(const CMap& map, int32_t id, double& shared, double& other) {
@@ -82,7 +81,7 @@ bool sum_Fan(const CMap& map, int32_t id, double& shared, double& other) {
     const T3DTRI& tri = map.msh.tri[t];
     for (uint32_t k = 0; k < 3; ++k) {
       const int32_t nb = map.slots[t][k];
-      if (nb == -1 || map.mark.test(static_cast<uint64_t>(nb))) continue;
+      if (nb == -1 || map.mark.test(static_cast<uint32_t>(nb))) continue;
       const double edge = dst(map.msh.vtx[corner(tri, k)], map.msh.vtx[corner(tri, k + 1)]);
       (map.region_of[nb] == id ? shared : other) += edge;
     }

@@ -61,7 +61,7 @@ bool pass_All(CMap& map, const std::vector<uint32_t>& chain, CUcA* from, CUcA* t
 }
 
 void clear_Marks(CMap& map) {
-  for (uint32_t i = 0; i < map.scratch_a.count; ++i) map.mark.clear(map.scratch_a.data[i]);
+  map.mark.clear_All();
   map.scratch_a.count = 0;
 }
 

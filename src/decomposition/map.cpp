@@ -18,7 +18,8 @@ bool CMap::ini_Msh(const T3DMSH& mesh) {
 bool CMap::build() try {
   if (adj_VtxTri(msh, vtx_tri) != 0 || adj_TriTri(msh, vtx_tri, neighbours) != 0) return false;
   fill_Slots();
-  if (!locked.init(msh.n_tri) || !mark.init(msh.n_tri)) return false;
+  if (!locked.init(msh.n_tri)) return false;
+  mark.init(msh.n_tri);
   if (!alloc(scratch_a, msh.n_tri) || !alloc(scratch_b, msh.n_tri)) return false;
   region_of.assign(msh.n_tri, -1);
   prev.assign(msh.n_tri, -1);

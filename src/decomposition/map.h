@@ -16,6 +16,7 @@
 #include <set>
 #include <vector>
 
+#include "decomposition/marks.h"
 #include "decomposition/region.h"
 #include "foundation/avl_tree.h"
 #include "foundation/bit_vector.h"
@@ -144,7 +145,8 @@ class CMap {
   TAdj neighbours;
   std::vector<std::array<int32_t, 3>> slots;  // across edge k, to k + 1; -1 for none
   std::vector<int32_t> prev, next, region_of;
-  CBitVector locked, mark;
+  CBitVector locked;
+  CMarks mark;
   TLst<uint32_t> scratch_a = {}, scratch_b = {};
   std::map<int32_t, double> ranks;
   std::set<TUcTurn> turns;

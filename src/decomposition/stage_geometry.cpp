@@ -113,6 +113,7 @@ void write_Geometry(const CMap& map, const CDcmPar& par, const std::string& stem
   const auto wants = [&](const char* word) { return std::strstr(par.l_geo, word) != nullptr; };
   if (wants("cen")) {
     std::vector<T3DVEC> centres;
+    centres.reserve(regions.size());
     for (const CUcA* region : regions) centres.push_back(region->measures.centroid);
     asc_Pts((stem + "-oCen.asc").c_str(), {centres.data(), static_cast<uint32_t>(centres.size())});
   }

@@ -75,20 +75,6 @@ int64_t split(const Record* r, int64_t first, int64_t last, KeyOf key, Scan& sca
   return i;
 }
 
-template <typename Record, typename KeyOf>
-int64_t partition(Record* r, int64_t first, int64_t last, KeyOf key) {
-  PlainScan<Record, KeyOf> scan{r, key};
-  return split(r, first, last, key, scan);
-}
-
-template <typename Record, typename KeyOf>
-bool all_Equal(const Record* r, int64_t first, int64_t last, KeyOf key) {
-  const double k = key(r[first]);
-  for (int64_t i = first; i <= last; ++i)
-    if (!(key(r[i]) == k)) return false;
-  return true;
-}
-
 // `budget` is how many records may yet be scanned before bounds are built.
 template <typename Record, typename KeyOf, typename Scan>
 void sort_Range(Record* r, int64_t first, int64_t last, KeyOf key, Scan& scan, int64_t& budget) {

@@ -19,9 +19,9 @@ int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, T
 // Codes as bnd_All.
 int32_t bnd_Own(const T3DMSH& msh, const CBitVector& set, TArr<T3DSGM>& out);
 
-// For each listed triangle and each of its neighbours outside the set: their first common edge:
-// one that shares two edges is listed twice and gives its first edge twice. Codes as bnd_All; -3
-// also for a list without array, or with an index beyond the mesh.
+// For each listed triangle and each of its neighbours outside the set, their first common edge. A
+// neighbour that shares two edges is listed twice and gives the first of them twice. Codes as
+// bnd_All; -3 also for a list without array, or with an index beyond the mesh.
 int32_t bnd_Out(const T3DMSH& msh, const TAdj& tri_tri, const CBitVector& set,
                 const TLst<uint32_t>& lst, TArr<T3DSGM>& out);
 

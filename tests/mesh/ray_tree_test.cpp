@@ -1,13 +1,18 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 #include "mesh/lanes.h"
 #include "mesh/trees.h"
 #include "tests/mesh/tree_shapes.h"
+#include "tests/reference/plain_rays.h"
+#include "tests/support/intensity.h"
 
 using namespace undercut;
+using reference::Random;
 using shapes::Mesh;
+using undercut::tests::scale_Cases;
 
 namespace {
 
@@ -20,6 +25,10 @@ struct Built {
     rays.build(boxes_, mesh_.view());
   }
   bool any_Hit(const T3DRAY& ray) { return rays.any_Hit(ray, mesh_.view()); }
+  bool any_InLoop(const T3DRAY& ray) { return reference::any_Hit(mesh_.view(), ray); }
+  const C3DAABB& pick_Box(Random& random) const {
+    return boxes_.items[random.below(boxes_.items.size())].box;
+  }
 
   TRayTree rays;
 
@@ -85,6 +94,114 @@ TEST(RayTree, AnswersForCoincidentTrianglesLikeForOne) {
   EXPECT_TRUE(many.any_Hit(hit));
   EXPECT_FALSE(one.any_Hit(miss));
   EXPECT_FALSE(many.any_Hit(miss));
+}
+
+double& get_Part(T3DVEC& v, uint64_t axis) { return axis == 0 ? v.x : axis == 1 ? v.y : v.z; }
+
+// Segments taken for triangles, far from the origin or near it, some of them along an axis plane.
+Mesh make_Segments(Random& random, uint32_t count, double scale) {
+  Mesh mesh;
+  const double away = random.chance(0.5) ? 0.0 : scale * std::pow(10.0, random.real(0, 12));
+  const T3DVEC middle = away * random.triple(-1, 1);
+  for (uint32_t t = 0; t < count; ++t) {
+    const T3DVEC a = middle + scale * random.triple(-1, 1);
+    T3DVEC b = a + (scale * std::pow(10.0, random.real(-4, 0))) * random.triple(-1, 1);
+    if (random.chance(0.3)) b.y = a.y;
+    mesh.add(a, b, a);
+  }
+  return mesh;
+}
+
+// At a corner, an edge, a face or the inside of a box, or the number next to it, from any distance.
+T3DRAY aim_At(Random& random, const C3DAABB& box, double scale) {
+  const T3DVEC corners[2] = {box.min, box.max};
+  T3DVEC at, dir = random.triple(-1, 1);
+  for (uint64_t axis = 0; axis < 3; ++axis) {
+    T3DVEC low = box.min, high = box.max;
+    double& part = get_Part(at, axis);
+    part = random.real(get_Part(low, axis), get_Part(high, axis));
+    if (random.chance(0.6)) {
+      T3DVEC corner = corners[random.below(2)];
+      part = get_Part(corner, axis);
+    }
+    if (random.chance(0.2)) part = std::nextafter(part, random.chance(0.5) ? 1e300 : -1e300);
+  }
+  double& part = get_Part(dir, random.below(3));
+  switch (random.below(4)) {
+    case 0:
+      part = random.chance(0.5) ? 0.0 : -0.0;
+      break;
+    case 1:  // about where a quotient is cut off
+      part *= std::pow(2.0, random.real(-44, -36));
+      break;
+    case 2:
+      part *= std::pow(10.0, random.real(-320, 0));
+      break;
+    default:
+      break;
+  }
+  T3DRAY ray = {at - (scale * std::pow(10.0, random.real(-3, 12))) * dir, dir};
+  if (random.chance(0.3)) ray.dir = at - ray.org;
+  if (random.chance(0.2)) ray.org = at;
+  return ray;
+}
+
+void compare_Rays(Random& random, Built& built, double scale, uint32_t& hits, uint32_t& rays) {
+  for (int k = 0; k < 500; ++k) {
+    const T3DRAY ray = aim_At(random, built.pick_Box(random), scale);
+    if (!built.rays.takes(ray)) continue;
+    const bool hit = built.any_InLoop(ray);
+    hits += hit ? 1 : 0;
+    ++rays;
+    ASSERT_EQ(built.any_Hit(ray), hit)
+        << std::hexfloat << "org " << ray.org.x << " " << ray.org.y << " " << ray.org.z << " dir "
+        << ray.dir.x << " " << ray.dir.y << " " << ray.dir.z;
+  }
+}
+
+// A triangle without area is hit by every ray that passes its box, so the boxes alone decide.
+TEST(RayTree, EqualsTheLoop_ForRaysThatGrazeBoxes) {
+  Random random(15);
+  SCOPED_TRACE("seed 15");
+  uint32_t hits = 0, rays = 0;
+  for (uint32_t round = 0; round < scale_Cases(400); ++round) {
+    const double scale = round % 2 ? 1.0 : std::pow(10.0, random.real(-60, 5));
+    Built built(make_Segments(random, 1 + static_cast<uint32_t>(random.below(30)), scale));
+    ASSERT_NO_FATAL_FAILURE(compare_Rays(random, built, scale, hits, rays));
+  }
+  EXPECT_GT(rays, 100000u);
+  EXPECT_GT(hits, rays / 10);  // neither answer is rare
+  EXPECT_LT(hits, rays - rays / 10);
+}
+
+// Such a triangle is hit by every ray that passes the box of its other coordinates.
+TEST(RayTree, EqualsTheLoop_WhereACoordinateOfATriangleIsNoNumber) {
+  Random random(16);
+  SCOPED_TRACE("seed 16");
+  uint32_t hits = 0, rays = 0;
+  for (uint32_t round = 0; round < scale_Cases(60); ++round) {
+    Mesh mesh = shapes::make_Soup(random, 1 + static_cast<uint32_t>(random.below(40)));
+    for (size_t p = 2; p < mesh.points.size(); p += 3)
+      if (random.chance(0.3))
+        get_Part(mesh.points[p], random.below(3)) = std::numeric_limits<double>::quiet_NaN();
+    Built built(mesh);
+    ASSERT_NO_FATAL_FAILURE(compare_Rays(random, built, 10.0, hits, rays));
+  }
+  EXPECT_GT(rays, 20000u);
+  EXPECT_GT(hits, rays / 10);
+  EXPECT_LT(hits, rays - rays / 10);
+}
+
+// In the mesh as in the ray: a zero with a sign is a zero.
+TEST(RayTree, AnswersAlikeForZerosOfBothSigns) {
+  Mesh mesh;
+  mesh.add({0.0, 0.0, 0.0}, {1, 0, 0}, {0, 1, 0});
+  mesh.add({-0.0, 0.0, -0.0}, {1, 0, -0.0}, {0, 1, 0});
+  Built built(mesh);
+  EXPECT_TRUE(built.any_Hit(kDown));
+  EXPECT_TRUE(built.any_Hit({{0.0, 0.0, 1}, {-0.0, 0.0, -1}}));
+  EXPECT_TRUE(built.any_Hit({{-0.0, -0.0, -1}, {0.0, -0.0, 1}}));
+  EXPECT_FALSE(built.any_Hit({{0.2, -5e-324, 1}, {0.0, -0.0, -1}}));
 }
 
 TEST(Lanes, ComputeEachLaneOnItsOwn) {

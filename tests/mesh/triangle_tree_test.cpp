@@ -296,6 +296,20 @@ TEST(TriangleTree, QuerySlab_WiderThanTheMesh_TakesAllInItemOrder) {
   EXPECT_EQ(answers.ids(), item_Order(tree));
 }
 
+TEST(TriangleTree, QuerySlab_HoldingTheRootBox_LooksAtNoTriangle) {
+  Mesh mesh = make_Row(30);
+  C3DTriAABBTree tree;
+  ASSERT_TRUE(tree.Build(mesh.view()));
+  // Moved away behind the tree's back: a test of any triangle would leave it out.
+  for (T3DVEC& p : mesh.points) p.x += 1000;
+  Answers answers(30);
+  tree.QuerySlab({kIdentity, -100, 100}, answers.list);
+  EXPECT_EQ(answers.ids(), item_Order(tree));
+  answers.list.count = 0;
+  tree.QuerySlab({kIdentity, -100, 28.5}, answers.list);  // not all of the root box
+  EXPECT_LT(answers.list.count, 30u);
+}
+
 TEST(TriangleTree, Queries_AppendToWhatTheListHolds) {
   Mesh mesh = make_Row(3);
   C3DTriAABBTree tree;

@@ -180,7 +180,7 @@ class CPlainStages {
     const double my = (A / (A + s)) * p.centre.y + (s / (A + s)) * gy;
     const double cxx = xx - (A + s) * mx * mx, cyy = yy - (A + s) * my * my;
     const double cxy = xy - (A + s) * mx * my;
-    double l1, l2, a, b;
+    double l1 = 0, l2 = 0, a, b;
     must(plain_Eigen(cyy, -cxy, -cxy, cxx, l1, l2));
     must(!(l1 < 0) && !(l2 < 0));
     plain_Axes(l1, l2, a, b);
@@ -307,7 +307,7 @@ class CPlainStages {
   double score(const CUcA& r) const {
     if (!std::strcmp(par.F_srt, "srf")) return r.measures.area;
     const TUcPlane& p = r.measures.plane;
-    double l1, l2, a, b;
+    double l1 = 0, l2 = 0, a, b;
     must(plain_Eigen(p.cyy, -p.cxy, -p.cxy, p.cxx, l1, l2));
     plain_Axes(l1, l2, a, b);
     const double A = 2 * a, B = 2 * b;
