@@ -68,8 +68,8 @@ Answer compute_Answer(const DecomposeOptions& options, const Part& part,
   if (options.stage_files) rules.stage_folder = options.folder / "stages";
   LibraryCall call(prepared.mesh, rules);
   const double aperture = find_Aperture(options.settings);
-  const LadderRules ladder = options.plain ? LadderRules{{}, {{aperture, 0, false}}, 0}
-                                           : make_Ladder(aperture, prepared.mesh.triangles.size());
+  const LadderRules ladder =
+      options.plain ? make_Plain(aperture) : make_Ladder(aperture, prepared.mesh.triangles.size());
   const Climb climb =
       climb_Ladder(make_Patches(part, prepared, rois), ladder, find_Centres(prepared.mesh),
                    make_Attempt(call, prepared, terminal, err));

@@ -35,6 +35,7 @@ Json show_Preparation(const DecomposeOptions& options) {
             {"up", show_Vec(rules.up)},
             {"displacement", plain ? 0.0 : rules.displacement},
             {"needle", plain ? 0.0 : rules.needle},
+            {"cut", !plain && rules.cut},
             {"max_edge", nullptr}};
   if (rules.max_edge > 0.0) json["max_edge"] = rules.max_edge;
   return json;

@@ -64,6 +64,7 @@ Pieces split_Failed(const Patch& patch, const Outcome& outcome) {
 // What is left to do on a rung, and what has to go on to the next one.
 struct Trial {
   Rung rung;
+  bool whole = false;  // a patch that fails goes on as it is
   std::vector<Patch> pending, failed;
 };
 
@@ -72,13 +73,13 @@ void add_Patch(std::vector<Patch>& patches, const Patch& like, std::vector<uint3
 }
 
 void sort_Failed(Climb& climb, Trial& trial, const Patch& patch, Outcome& outcome) {
-  if (!trial.rung.again) {
+  if (trial.whole) {
     trial.failed.push_back(patch);
     return;
   }
   Pieces pieces = split_Failed(patch, outcome);
-  const bool progress = pieces.let_go.size() < patch.triangles.size();
-  add_Patch(progress ? trial.pending : trial.failed, patch, std::move(pieces.let_go));
+  const bool again = trial.rung.again && pieces.let_go.size() < patch.triangles.size();
+  add_Patch(again ? trial.pending : trial.failed, patch, std::move(pieces.let_go));
   add_Patch(trial.failed, patch, std::move(pieces.failed));
   if (pieces.settled.empty()) return;
   climb.settled.push_back({{patch.roi, patch.halvings, std::move(pieces.settled)},
@@ -88,9 +89,9 @@ void sort_Failed(Climb& climb, Trial& trial, const Patch& patch, Outcome& outcom
 
 // Tries all patches on one rung; returns those that failed. What is offered again is fewer
 // triangles each time, so this ends.
-std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, const Rung& rung,
+std::vector<Patch> try_Rung(Climb& climb, std::vector<Patch> patches, const Rung& rung, bool whole,
                             const Attempt& attempt) {
-  Trial trial{rung, std::move(patches), {}};
+  Trial trial{rung, whole, std::move(patches), {}};
   while (!trial.pending.empty()) {
     const std::vector<Patch> offered = std::exchange(trial.pending, {});
     ++climb.calls;
@@ -144,6 +145,8 @@ LadderRules make_Ladder(double aperture, size_t triangles) {
   return rules;
 }
 
+LadderRules make_Plain(double aperture) { return {{}, {{aperture, 0, false}}, 0}; }
+
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres) {
   const int axis = find_LongestAxis(patch, centres);
   std::vector<std::pair<double, uint32_t>> order;
@@ -168,11 +171,11 @@ Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
   Climb climb;
   std::erase_if(patches, [](const Patch& patch) { return patch.triangles.empty(); });
   for (const Rung& rung : rules.whole) {
-    patches = try_Rung(climb, std::move(patches), rung, attempt);
+    patches = try_Rung(climb, std::move(patches), rung, true, attempt);
   }
   while (!patches.empty()) {
     for (const Rung& rung : rules.rungs) {
-      patches = try_Rung(climb, std::move(patches), rung, attempt);
+      patches = try_Rung(climb, std::move(patches), rung, false, attempt);
     }
     std::vector<Patch> halves;
     for (Patch& patch : patches) {

@@ -49,7 +49,7 @@ struct Rung {
 using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, const Rung&)>;
 
 struct LadderRules {
-  std::vector<Rung> whole;  // tried first, with patches as they come
+  std::vector<Rung> whole;  // tried first; a patch that fails goes on as it is
   std::vector<Rung> rungs;  // then these, and again for each half
   uint32_t most_halvings = 0;
 };
@@ -83,14 +83,19 @@ struct Climb {
 // narrower ones of 40, 30, 25, 20, 15, 10 degrees, in pieces.
 LadderRules make_Ladder(double aperture, size_t triangles);
 
+// One call, and what its second attempt found is kept.
+LadderRules make_Plain(double aperture);
+
 // The halves of a patch: cut at the median of the centres along their longest extent. Equal
 // coordinates go by triangle number, so the halves are the same on every machine.
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres);
 
 // All patches start on the first rung together. Those that fail go down rung by rung; those that
-// fail on the last are halved and start anew, behind the rungs for whole patches. Where some passes
-// of an attempt went well, the triangles that they had dealt with are offered again on the same
-// rung, without the rest.
+// fail on the last are halved and start anew, behind the rungs for whole patches.
+//
+// On those a patch goes through whole or not at all. On the others it comes to pieces: what the
+// library's second attempt dealt with is settled, and only the rest goes on. Where some passes of
+// an attempt went well, the triangles that they had dealt with are offered again on the same rung.
 Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
                    const std::vector<T3DVEC>& centres, const Attempt& attempt);
 

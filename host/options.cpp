@@ -31,7 +31,8 @@ Exit status: 0 done, 1 computed with failures, 2 wrong usage, 3 bad input.
 
 // What CLI11 stores before it is checked.
 struct RawOptions {
-  std::string part, up, max_edge;
+  std::string part;
+  std::optional<std::string> up, max_edge;
   std::string folder = "regions";
   std::vector<std::string> rois, sets;
   bool json = false, stage_files = false, plain = false;
@@ -82,23 +83,22 @@ void add_Decompose(CLI::App& app, RawOptions& raw) {
            "may be given; without one, the whole mesh is taken",
            "FILE");
   add_List("--set", raw.sets, "Set a parameter; 'undercut parameters' lists them", "KEY=VALUE");
-  command->add_option("-o,--out", raw.folder, "Folder of the results, made if missing")
-      ->type_name("FOLDER")
-      ->capture_default_str();
+  const auto add_Single = [&](const char* name, auto& value, const char* help, const char* word) {
+    command->add_option(name, value, help)
+        ->type_name(word)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+  };
+  add_Single("-o,--out", raw.folder, "Folder of the results, made if missing (default regions)",
+             "FOLDER");
   command->add_flag("--json", raw.json, "Print the answer as JSON on standard output");
   command->add_flag("--stage-files", raw.stage_files,
                     "Write the library's stage files, to FOLDER/stages");
-  CLI::Option* up = command->add_option(
-      "--up", raw.up, "The machine's Z axis in the part's coordinates (default 0,0,1)");
-  up->type_name("X,Y,Z");
-  CLI::Option* edge = command->add_option("--max-edge", raw.max_edge,
-                                          "Split edges longer than this for the computation");
-  edge->type_name("MM");
-  command
-      ->add_flag("--plain", raw.plain,
-                 "Hand the mesh over as it is, in one call: no preparation and no further attempts")
-      ->excludes(up)
-      ->excludes(edge);
+  add_Single("--up", raw.up, "The machine's Z axis in the part's coordinates (default 0,0,1)",
+             "X,Y,Z");
+  add_Single("--max-edge", raw.max_edge, "Split edges longer than this for the computation", "MM");
+  command->add_flag(
+      "--plain", raw.plain,
+      "Hand the mesh over as it is, in one call: no preparation and no further attempts");
   command->footer(kExamples);
 }
 
@@ -110,10 +110,15 @@ DecomposeOptions check_Decompose(const RawOptions& raw) {
   options.json = raw.json;
   options.stage_files = raw.stage_files;
   options.plain = raw.plain;
+  if (raw.part.empty()) throw UsageError("PART: the name of the file is empty.");
   if (raw.folder.empty()) throw UsageError("-o: the name of the folder is empty.");
+  if (raw.plain && (raw.up || raw.max_edge)) {
+    throw UsageError(
+        "--plain hands the part over as it is: leave --up and --max-edge out, or --plain.");
+  }
   for (const std::string& text : raw.sets) options.settings.push_back(parse_Setting(text));
-  if (!raw.up.empty()) options.prepare.up = parse_Up(raw.up);
-  if (!raw.max_edge.empty()) options.prepare.max_edge = parse_MaxEdge(raw.max_edge);
+  if (raw.up) options.prepare.up = parse_Up(*raw.up);
+  if (raw.max_edge) options.prepare.max_edge = parse_MaxEdge(*raw.max_edge);
   return options;
 }
 
@@ -132,9 +137,14 @@ Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
+    const std::string help = "\nRun 'undercut --help' for help.";
+    if (const std::vector<std::string> rest = app.remaining(); !rest.empty()) {
+      throw UsageError(quote_Text(rest[0]) + " is no command: write 'undercut decompose PART'." +
+                       help);
+    }
     std::ostringstream ignored;
     if (error.get_exit_code() != 0) {
-      throw UsageError(std::string(error.what()) + "\nRun 'undercut --help' for help.");
+      throw UsageError(error.what() + help);
     }
     app.exit(error, out, ignored);
     return options;

@@ -33,8 +33,9 @@ OutputFolder::OutputFolder(const fs::path& folder, const std::vector<std::string
     files_.reserve(names.size());
     for (const std::string& name : names) {
       File file{name, folder / ("." + name + "." + std::to_string(getpid())), {}};
-      file.stream.open(file.temporary, std::ios::binary | std::ios::trunc);
-      if (!file.stream) fail_Write(folder / name, std::strerror(errno));
+      open(file);
+      file.stream.close();
+      fs::remove(file.temporary);
       files_.push_back(std::move(file));
     }
   } catch (...) {
@@ -45,6 +46,16 @@ OutputFolder::OutputFolder(const fs::path& folder, const std::vector<std::string
 
 OutputFolder::~OutputFolder() {
   if (!committed_) clean_Up();
+}
+
+void OutputFolder::open(File& file) {
+  file.stream.open(file.temporary, std::ios::binary | std::ios::trunc);
+  if (!file.stream) fail_Write(folder_ / file.name, std::strerror(errno));
+}
+
+std::ofstream& OutputFolder::file(size_t i) {
+  if (!files_[i].stream.is_open()) open(files_[i]);
+  return files_[i].stream;
 }
 
 void OutputFolder::clean_Up() {
@@ -58,6 +69,7 @@ void OutputFolder::clean_Up() {
 
 void OutputFolder::commit() {
   for (File& file : files_) {
+    if (!file.stream.is_open()) open(file);
     file.stream.close();
     if (!file.stream) fail_Write(folder_ / file.name, "writing failed, perhaps the disk is full");
     if (fs::is_directory(folder_ / file.name)) {

@@ -8,9 +8,11 @@
 
 namespace undercut::host {
 
-// A folder that gets result files. It is made when the object is, and each file under a temporary
-// name, so that a path that can't be written is found before anything is computed. The files get
-// their names in commit(); without it they are removed, and so are the folders made, if empty.
+// A folder that gets result files. It is made when the object is, and each file is tried, so that a
+// path that can't be written is found before anything is computed. Files are written under
+// temporary names, from their first use on, so that a run that is cut short while it computes
+// leaves none. They get their names in commit(); without it they are removed, and so are the
+// folders made, if empty.
 class OutputFolder {
  public:
   // Throws RunError.
@@ -19,8 +21,8 @@ class OutputFolder {
   OutputFolder& operator=(const OutputFolder&) = delete;
   ~OutputFolder();
 
-  // The file of names[i].
-  std::ofstream& file(size_t i) { return files_[i].stream; }
+  // The file of names[i]. Throws RunError where it can't be opened.
+  std::ofstream& file(size_t i);
   std::filesystem::path path(size_t i) const { return folder_ / files_[i].name; }
 
   // Ends the files and renames them. Throws RunError where one could not be written to its end;
@@ -34,6 +36,7 @@ class OutputFolder {
     std::ofstream stream;
   };
 
+  void open(File& file);
   void clean_Up();
 
   std::filesystem::path folder_;

@@ -115,7 +115,7 @@ bool is_InRange(std::string_view range, double value) {
 }
 
 Value parse_Whole(const Parameter& p, std::string_view text) {
-  const std::optional<int64_t> value = parse_Integer(text);
+  const std::optional<int64_t> value = parse_Integer(trim_Text(text));
   if (!value) fail_Value(p, text, "a whole number is needed.");
   const bool flag = p.kind == Kind::U8 || p.kind == Kind::B32;
   const bool is_signed = p.kind == Kind::I32;
@@ -130,7 +130,7 @@ Value parse_Whole(const Parameter& p, std::string_view text) {
 }
 
 double parse_Real(const Parameter& p, std::string_view text) {
-  const std::optional<double> value = parse_Double(text);
+  const std::optional<double> value = parse_Double(trim_Text(text));
   if (!value || !std::isfinite(*value)) fail_Value(p, text, "a finite number is needed.");
   if (!is_InRange(p.range, *value)) fail_Value(p, text, "the value is out of range.");
   return *value;
@@ -147,7 +147,7 @@ Value parse_Box(const Parameter& p, std::string_view text) {
   const std::vector<std::string_view> pieces = split_Text(text, ',');
   if (pieces.size() != 4) fail_Value(p, text, "four numbers with commas between them are needed.");
   std::array<double, 4> box{};
-  for (size_t k = 0; k < 4; ++k) box[k] = parse_Real(p, trim_Text(pieces[k]));
+  for (size_t k = 0; k < 4; ++k) box[k] = parse_Real(p, pieces[k]);
   return box;
 }
 

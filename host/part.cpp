@@ -112,18 +112,18 @@ Roi read_Roi(const std::filesystem::path& path, size_t triangles) {
   Roi roi{path.string(), {}, 0};
   std::vector<bool> seen(triangles, false);
   size_t line = 0;
-  for (std::string_view text : split_Text(bytes, '\n')) {
+  for (std::string_view text : split_Text(skip_Mark(bytes), '\n')) {
     ++line;
     text = trim_Text(text.substr(0, text.find('#')));
     if (text.empty()) continue;
     const std::string where = path.string() + ":" + std::to_string(line) + ": ";
-    const std::optional<int64_t> index = parse_Integer(text);
-    if (!index) {
+    if (!is_Whole(text)) {
       throw InputError(where + quote_Text(text) +
                        " is no triangle index. Write one whole number a line.");
     }
-    if (*index < 0 || static_cast<uint64_t>(*index) >= triangles) {
-      throw InputError(where + "triangle " + std::to_string(*index) +
+    const std::optional<int64_t> index = parse_Integer(text);
+    if (!index || *index < 0 || static_cast<uint64_t>(*index) >= triangles) {
+      throw InputError(where + "triangle " + std::string(text) +
                        " is out of range. The part has triangles 0 to " +
                        std::to_string(triangles - 1) + ".");
     }

@@ -39,7 +39,7 @@ std::array<uint8_t, 3> pick_Colour(int32_t region) {
     const double at = std::fmod(hue + (k == 0 ? 0.0 : k == 1 ? 4.0 : 2.0), 6.0);
     const double level = std::fmin(std::fmax(std::fabs(at - 3.0) - 1.0, 0.0), 1.0);
     colour[static_cast<size_t>(k)] =
-        static_cast<uint8_t>(255.0 * value * (0.25 + 0.75 * level) + 0.5);
+        static_cast<uint8_t>(std::lround(255.0 * value * (0.25 + 0.75 * level)));
   }
   return colour;
 }

@@ -53,9 +53,7 @@ Soup parse_Binary(std::string_view bytes, const std::string& name) {
 // Walks over the words of a text and knows the line that it stands in.
 class Words {
  public:
-  Words(std::string_view text, const std::string& name) : text_(text), name_(name) {
-    if (text_.starts_with("\xEF\xBB\xBF")) at_ = 3;
-  }
+  Words(std::string_view text, const std::string& name) : text_(skip_Mark(text)), name_(name) {}
 
   // The next word, empty at the end of the text.
   std::string_view next() {

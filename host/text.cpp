@@ -27,6 +27,11 @@ std::string_view trim_Text(std::string_view text) {
   return text;
 }
 
+std::string_view skip_Mark(std::string_view text) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
+}
+
 bool equal_Text(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](char x, char y) { return lower_Char(x) == lower_Char(y); });
@@ -58,6 +63,12 @@ std::optional<double> parse_Double(std::string_view text) {
   if (error == std::errc::result_out_of_range)
     return std::strtod(std::string(text).c_str(), nullptr);
   return value;
+}
+
+bool is_Whole(std::string_view text) {
+  if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 std::optional<int64_t> parse_Integer(std::string_view text) {

@@ -14,6 +14,9 @@ bool is_Blank(char c);
 // Without blanks at both ends.
 std::string_view trim_Text(std::string_view text);
 
+// Without the byte order mark that some editors put at the start of a file.
+std::string_view skip_Mark(std::string_view text);
+
 // Equal but for the case of ASCII letters.
 bool equal_Text(std::string_view a, std::string_view b);
 
@@ -25,6 +28,8 @@ std::vector<std::string_view> split_Text(std::string_view text, char separator);
 
 // The whole text as a number, or none. A number too large for a double is infinite.
 std::optional<double> parse_Double(std::string_view text);
+// Digits, perhaps behind a sign; such a number may still be too large for the next function.
+bool is_Whole(std::string_view text);
 std::optional<int64_t> parse_Integer(std::string_view text);
 
 // Number of single-character changes that make one text the other, in either case of letters.

@@ -139,7 +139,9 @@ class CDriver {
   Scoped<TLst<TLst<T3DRAY>>> out_a_;
   Scoped<TLst<TLst<T3DFRM>>> out_f_;
   Scoped<TArr<TUcSts>> sts_;
-  uint32_t slots_ = 0;  // slots that are filled, the same in the three lists
+  std::vector<TUcSeed> seeds_;
+  bool seeds_fit_ = false;  // they are those of the list of the region of interest as it is
+  uint32_t slots_ = 0;      // slots that are filled, the same in the three lists
   int32_t fatal_ = 0;
 };
 
@@ -186,6 +188,7 @@ void CDriver::run() {
   for (uint32_t i = 0; i < rois_.count; ++i) {
     const TLst<uint32_t>& roi = rois_.data[i];
     TUcSts& sts = sts_->data[i];
+    seeds_fit_ = false;
     if (!roi.data || roi.count == 0 || attempt(i)) continue;
     if (fatal_) return;
     sts.first = kAttemptFailed;
@@ -215,13 +218,14 @@ bool CDriver::attempt(uint32_t roi) {
 
 void CDriver::run_Roi(CallFrame& frame, TLst<uint32_t>& roi) {
   frame.need(ok_Triangles(roi, msh_.n_tri), UNDERCUT_BAD_TRIANGLE);
-  std::vector<TUcSeed> seeds;
   {
     const CStageLine stage = line("04. Calc. :: and sort UcA seeds");
     frame.at(-24);
-    calc_Seeds(map_, {roi.data, roi.count}, tree_, lift_, seeds);
+    // A second attempt on the list as it was would get the very same seeds.
+    if (!seeds_fit_) calc_Seeds(map_, {roi.data, roi.count}, tree_, lift_, seeds_);
+    seeds_fit_ = true;
   }
-  files_.write_Seeds(roi, seeds);
+  files_.write_Seeds(roi, seeds_);
   {
     const CStageLine stage = line("05. Ini.  :: dynamic UcA map with roi");
     frame.at(-27);
@@ -229,7 +233,7 @@ void CDriver::run_Roi(CallFrame& frame, TLst<uint32_t>& roi) {
   }
   files_.write_Map(StageWord::kIni);
 
-  TUcStage stage = {map_, par_, cnd_, rnk_, roi, seeds, files_};
+  TUcStage stage = {map_, par_, cnd_, rnk_, roi, seeds_, files_};
   uint32_t pass = 0;
   uint32_t n_prev = roi.count;
   while (roi.count != 0 && (par_.n_max < 1 || pass <= static_cast<uint32_t>(par_.n_max))) {
@@ -298,6 +302,7 @@ void CDriver::end_Pass(CallFrame& frame, TUcStage& stage) {
     frame.need(del_Small(map_, par_), -128);
     need_Cured(frame, fix_Regions(map_), kNoLock);
   }
+  seeds_fit_ = false;
   keep_Seeds(map_, stage.roi, stage.seeds);
   frame.at(-144);
   frame.need(renew_Free(map_), -144);
@@ -338,6 +343,7 @@ void CDriver::repair(uint32_t roi) {
   }
   files_.write_List(own, "nxt");
   list = own;
+  seeds_fit_ = false;
 }
 
 int32_t CDriver::hand_Over(TUcRes& res, int32_t status) {

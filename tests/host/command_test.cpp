@@ -1,6 +1,11 @@
 // Runs the built command as a user does.
 #include <nlohmann/json.hpp>
 
+#include <sstream>
+
+#include "host/command.h"
+#include "host/library_call.h"
+#include "host/part.h"
 #include "support.h"
 
 namespace undercut::host {
@@ -87,6 +92,43 @@ TEST_F(Command, UpAndMaxEdge_AnswerInTheFilesTriangles) {
   EXPECT_EQ(json["regions_of_interest"][0]["count"], 288);
 }
 
+TEST_F(Command, Plain_HandsOverTheMeshUntouchedInOneCall) {
+  const fs::path path = fs::path(UNDERCUT_EXAMPLES) / "molar_stub.stl";
+  const Ran ran = run("decompose '" + path.string() + "' --plain --json --set n_con=3");
+  const Json json = Json::parse(ran.out);
+  EXPECT_EQ(json["calls"], 1);
+  EXPECT_EQ(json["preparation"]["plain"], true);
+  EXPECT_EQ(json["regions_of_interest"][0]["needed"]["attempts"][0]["position"], 0);
+
+  Part part = read_Part(path);
+  const CallRules rules{{parse_Setting("n_con=3")}, {}, false};
+  LibraryCall call(part.mesh, rules);
+  const std::vector<Outcome> outcomes =
+      call.run({{0, 0, whole_Roi(part).triangles}}, find_Aperture(rules.settings));
+  const Json& regions = json["regions_of_interest"][0]["regions"];
+  ASSERT_FALSE(regions.empty());
+  ASSERT_EQ(regions.size(), outcomes[0].regions.size());
+  for (size_t i = 0; i < regions.size(); ++i) {
+    FoundRegion found = outcomes[0].regions[i];
+    std::sort(found.triangles.begin(), found.triangles.end());
+    EXPECT_EQ(regions[i]["triangles"].get<std::vector<uint32_t>>(), found.triangles);
+    EXPECT_EQ(regions[i]["centre"], Json({found.axis.org.x, found.axis.org.y, found.axis.org.z}));
+  }
+}
+
+TEST_F(Command, Attempts_TellThePositionAndGoOnToTheNext) {
+  fs::create_directories(folder.path / "out/stages/call-001");
+  folder.write("out/stages/call-001/13-end", "in the way");
+  const Json json = Json::parse(run("decompose part.stl --stage-files -o out --json").out);
+  const Json& attempts = json["regions_of_interest"][0]["needed"]["attempts"];
+  ASSERT_EQ(attempts.size(), 2u);
+  EXPECT_EQ(attempts[0]["position"], 0);
+  EXPECT_EQ(attempts[0]["failed"], 1);
+  EXPECT_EQ(attempts[1]["position"], 1);
+  EXPECT_EQ(attempts[1]["aperture"], attempts[0]["aperture"]);
+  EXPECT_EQ(attempts[1]["triangles"], 288);
+}
+
 TEST_F(Command, StageFiles_LandInTheFolderAndNowhereElse) {
   const Ran ran = run("decompose part.stl --stage-files");
   EXPECT_EQ(ran.status, 0) << ran.err;
@@ -130,14 +172,26 @@ TEST_F(Command, AFailedAttempt_IsFollowedByTheNextRung) {
 }
 
 TEST_F(Command, UsageErrors_AreStatusTwoWithoutResults) {
-  for (const char* arguments :
-       {"", "nonsense", "decompose", "decompose part.stl --nonsense", "decompose part.stl --set",
-        "decompose part.stl --set n_con=9", "decompose part.stl --set n_cnn=1",
-        "decompose part.stl --up 0,0", "decompose part.stl --up 0,0,0",
-        "decompose part.stl --up a,b,c", "decompose part.stl --max-edge 0",
-        "decompose part.stl --max-edge x", "decompose part.stl --max-edge 1e-6",
-        "decompose part.stl --plain --up 0,0,1", "decompose part.stl --plain --max-edge 1",
-        "decompose part.stl -o ''", "parameters --nonsense"}) {
+  for (const char* arguments : {"",
+                                "nonsense",
+                                "decompose",
+                                "decompose part.stl --nonsense",
+                                "decompose part.stl --set",
+                                "decompose part.stl --set n_con=9",
+                                "decompose part.stl --set n_cnn=1",
+                                "decompose part.stl --up 0,0",
+                                "decompose part.stl --up 0,0,0",
+                                "decompose part.stl --up a,b,c",
+                                "decompose part.stl --max-edge 0",
+                                "decompose part.stl --max-edge x",
+                                "decompose part.stl --max-edge 1e-6",
+                                "decompose part.stl --plain --up 0,0,1",
+                                "decompose part.stl --plain --max-edge 1",
+                                "decompose part.stl --up ''",
+                                "decompose part.stl --max-edge ''",
+                                "decompose ''",
+                                "decompose part.stl -o ''",
+                                "parameters --nonsense"}) {
     const Ran ran = run(arguments);
     EXPECT_EQ(ran.status, 2) << arguments;
     EXPECT_NE(ran.err, "") << arguments;
@@ -147,7 +201,7 @@ TEST_F(Command, UsageErrors_AreStatusTwoWithoutResults) {
 }
 
 TEST_F(Command, AnUnknownCommand_IsNamed) {
-  EXPECT_TRUE(has_Text(run("nonsense").err, "nonsense"));
+  EXPECT_TRUE(has_Text(run("part.stl").err, "'part.stl' is no command: write 'undercut decompose"));
   EXPECT_TRUE(has_Text(run("").err, "name a command"));
 }
 
@@ -205,6 +259,24 @@ TEST_F(Command, ASettingWithoutEffect_IsNoted) {
 TEST_F(Command, ListOptions_DoNotSwallowThePart) {
   folder.write("a.txt", "0\n1\n");
   EXPECT_EQ(run("decompose --set n_con=3 --roi a.txt --roi a.txt part.stl").status, 0);
+}
+
+TEST_F(Command, OfAnOptionGivenTwice_TheLastCounts) {
+  const Ran ran = run("decompose part.stl -o a -o b --up 1,0,0 --up 0,1,0 --json");
+  EXPECT_EQ(ran.status, 0) << ran.err;
+  EXPECT_FALSE(fs::exists(folder.path / "a"));
+  EXPECT_TRUE(has_Results("b"));
+  EXPECT_EQ(Json::parse(ran.out)["preparation"]["up"], Json({0.0, 1.0, 0.0}));
+}
+
+TEST_F(Command, AStandardOutputThatFails_IsStatusOneWithResults) {
+  const std::string part = (folder.path / "part.stl").string(), out = (folder.path / "o").string();
+  const char* const arguments[] = {"undercut", "decompose", part.c_str(), "-o", out.c_str()};
+  std::ostringstream broken, err;
+  broken.setstate(std::ios::badbit);
+  EXPECT_EQ(run_Command(5, arguments, broken, err), 1);
+  EXPECT_TRUE(has_Text(err.str(), "standard output could not be written"));
+  EXPECT_TRUE(has_Results("o"));
 }
 
 TEST_F(Command, HelpAndVersion_AreStatusZero) {

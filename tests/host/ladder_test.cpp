@@ -23,14 +23,21 @@ Patch make_Patch(uint32_t roi, uint32_t from, uint32_t to) {
   return patch;
 }
 
+// The rungs that take patches to pieces, without those for whole ones.
+LadderRules make_Rungs(double aperture) {
+  LadderRules rules = make_Ladder(aperture, 1);
+  rules.whole.clear();
+  return rules;
+}
+
 // A library that fails where `bad` says so, and else makes one region of the whole patch.
 template <typename Bad>
 Attempt make_Library(const Bad& bad) {
-  return [bad](const std::vector<Patch>& patches, double aperture) {
+  return [bad](const std::vector<Patch>& patches, const Rung& rung) {
     std::vector<Outcome> outcomes;
     for (const Patch& patch : patches) {
       Outcome outcome;
-      if (bad(patch, aperture)) {
+      if (bad(patch, rung)) {
         outcome.first = outcome.second = 11;
         outcome.rest = patch.triangles;
       } else {
@@ -53,15 +60,46 @@ std::vector<uint32_t> all_Triangles(const Climb& climb) {
   return all;
 }
 
+using Apertures = std::vector<double>;
+
+Apertures list_Apertures(const std::vector<Rung>& rungs) {
+  Apertures apertures;
+  for (const Rung& rung : rungs) apertures.push_back(rung.aperture);
+  return apertures;
+}
+
 TEST(Ladder, RungsAreTheUsersApertureAndTheNarrowerOnes) {
-  EXPECT_EQ(make_Ladder(55).apertures, std::vector<double>({55, 40, 30, 25, 20, 15, 10}));
-  EXPECT_EQ(make_Ladder(25).apertures, std::vector<double>({25, 20, 15, 10}));
-  EXPECT_EQ(make_Ladder(5).apertures, std::vector<double>({5}));
+  EXPECT_EQ(list_Apertures(make_Ladder(55, 1).rungs), Apertures({55, 40, 30, 25, 20, 15, 10}));
+  EXPECT_EQ(list_Apertures(make_Ladder(25, 1).rungs), Apertures({25, 20, 15, 10}));
+  EXPECT_EQ(list_Apertures(make_Ladder(5, 1).rungs), Apertures({5}));
+  for (const Rung& rung : make_Ladder(55, 1).rungs) {
+    EXPECT_TRUE(rung.again);
+    EXPECT_EQ(rung.position, 0u);
+  }
+}
+
+TEST(Ladder, WholePatchesGetTenPositionsAndThenFourAtEachOfThreeNarrowerApertures) {
+  const std::vector<Rung> whole = make_Ladder(55, 199999).whole;
+  Apertures expected(10, 55.0);
+  for (const double narrower : {45.0, 40.0, 30.0}) expected.insert(expected.end(), 4, narrower);
+  EXPECT_EQ(list_Apertures(whole), expected);
+  for (uint32_t i = 0; i < whole.size(); ++i) {
+    EXPECT_FALSE(whole[i].again);
+    EXPECT_EQ(whole[i].position, i < 10 ? i : (i - 10) % 4) << i;
+  }
+  EXPECT_EQ(make_Ladder(40, 1).whole.size(), 14u);
+  EXPECT_EQ(make_Ladder(30, 1).whole.size(), 10u);
+}
+
+TEST(Ladder, WholePatchesOfLargerMeshes_GetFewerPositionsButOneAtLeast) {
+  EXPECT_EQ(make_Ladder(55, 200000).whole.size(), 5u + 3 * 2);
+  EXPECT_EQ(make_Ladder(55, 400000).whole.size(), 4u + 3 * 2);
+  EXPECT_EQ(make_Ladder(55, 100000000).whole.size(), 1u + 3 * 1);
 }
 
 TEST(Ladder, SuccessAtOnce_NeedsOneCall) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
-                                   make_Library([](const Patch&, double) { return false; }));
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Rungs(55), make_Centres(9),
+                                   make_Library([](const Patch&, const Rung&) { return false; }));
   ASSERT_EQ(climb.settled.size(), 1u);
   EXPECT_EQ(climb.settled[0].aperture, 55.0);
   EXPECT_EQ(climb.calls, 1u);
@@ -72,7 +110,7 @@ TEST(Ladder, SuccessAtOnce_NeedsOneCall) {
 // A library whose first call deals with triangles 0 to 5 and fails on the others; what the second
 // attempt makes of those is told by its code. Later calls succeed.
 Attempt make_HalfFailing(int32_t second, std::vector<std::vector<uint32_t>>& offered) {
-  return [second, &offered](const std::vector<Patch>& patches, double) {
+  return [second, &offered](const std::vector<Patch>& patches, const Rung&) {
     std::vector<Outcome> outcomes(patches.size());
     for (size_t i = 0; i < patches.size(); ++i) {
       offered.push_back(patches[i].triangles);
@@ -94,7 +132,7 @@ using Lists = std::vector<std::vector<uint32_t>>;
 
 TEST(Ladder, WhatASecondAttemptLetGoOf_IsOfferedAgainAtTheSameAperture) {
   Lists offered;
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Rungs(55), make_Centres(9),
                                    make_HalfFailing(0, offered));
   EXPECT_EQ(offered[1], std::vector<uint32_t>({0, 1, 2, 3, 4, 5}));
   ASSERT_EQ(climb.settled.size(), 2u);
@@ -107,7 +145,7 @@ TEST(Ladder, WhatASecondAttemptLetGoOf_IsOfferedAgainAtTheSameAperture) {
 
 TEST(Ladder, OfATwofoldFailure_OnlyTheRestGoesDown) {
   Lists offered;
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Rungs(55), make_Centres(9),
                                    make_HalfFailing(11, offered));
   EXPECT_EQ(offered, Lists({{0, 1, 2, 3, 4, 5, 6, 7, 8}, {0, 1, 2, 3, 4, 5}, {6, 7, 8}}));
   ASSERT_EQ(climb.settled.size(), 2u);
@@ -115,9 +153,18 @@ TEST(Ladder, OfATwofoldFailure_OnlyTheRestGoesDown) {
   EXPECT_EQ(climb.settled[1].aperture, 40.0);
 }
 
-TEST(Ladder, PlainlyCalled_WhatTheLibraryLetGoOfIsGivenUp) {
+TEST(Ladder, PlainlyCalled_IsOneRungInPositionZero) {
+  const LadderRules plain = make_Plain(25);
+  EXPECT_TRUE(plain.whole.empty());
+  EXPECT_EQ(list_Apertures(plain.rungs), Apertures({25}));
+  EXPECT_EQ(plain.rungs[0].position, 0u);
+  EXPECT_FALSE(plain.rungs[0].again);
+  EXPECT_EQ(plain.most_halvings, 0u);
+}
+
+TEST(Ladder, PlainlyCalled_WhatTheSecondAttemptFoundIsKeptAndWhatItLetGoOfGivenUp) {
   Lists offered;
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0, false}, make_Centres(9),
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Plain(55), make_Centres(9),
                                    make_HalfFailing(0, offered));
   EXPECT_EQ(offered.size(), 1u);
   ASSERT_EQ(climb.given_up.size(), 1u);
@@ -128,13 +175,12 @@ TEST(Ladder, PlainlyCalled_WhatTheLibraryLetGoOfIsGivenUp) {
 
 TEST(Ladder, ASecondAttemptThatWasSkipped_IsAFailureOfTheWholePatch) {
   uint32_t calls = 0;
-  const Attempt library = [&](const std::vector<Patch>& patches, double) {
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung&) {
     std::vector<Outcome> outcomes(patches.size());
     if (++calls == 1) outcomes[0].first = 11;
     return outcomes;
   };
-  const Climb climb =
-      climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9), library);
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Rungs(55), make_Centres(9), library);
   EXPECT_EQ(calls, 2u);
   ASSERT_EQ(climb.settled.size(), 1u);
   EXPECT_EQ(climb.settled[0].aperture, 40.0);
@@ -142,8 +188,9 @@ TEST(Ladder, ASecondAttemptThatWasSkipped_IsAFailureOfTheWholePatch) {
 }
 
 TEST(Ladder, GoesDownToTheFirstApertureThatSucceeds) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55), make_Centres(9),
-                                   make_Library([](const Patch&, double a) { return a > 25; }));
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 9)}, make_Rungs(55), make_Centres(9),
+                   make_Library([](const Patch&, const Rung& r) { return r.aperture > 25; }));
   ASSERT_EQ(climb.settled.size(), 1u);
   EXPECT_EQ(climb.settled[0].aperture, 25.0);
   EXPECT_EQ(climb.settled[0].patch.halvings, 0u);
@@ -153,9 +200,9 @@ TEST(Ladder, GoesDownToTheFirstApertureThatSucceeds) {
 }
 
 TEST(Ladder, HalvesWhatFailsOnEveryRungUntilItSucceeds) {
-  const Climb climb =
-      climb_Ladder({make_Patch(0, 0, 100)}, make_Ladder(12), make_Centres(100),
-                   make_Library([](const Patch& p, double) { return p.triangles.size() > 30; }));
+  const Climb climb = climb_Ladder(
+      {make_Patch(0, 0, 100)}, make_Rungs(12), make_Centres(100),
+      make_Library([](const Patch& p, const Rung&) { return p.triangles.size() > 30; }));
   EXPECT_EQ(climb.settled.size(), 4u);
   for (const Settled& s : climb.settled) EXPECT_EQ(s.patch.halvings, 2u);
   EXPECT_TRUE(climb.given_up.empty());
@@ -163,8 +210,8 @@ TEST(Ladder, HalvesWhatFailsOnEveryRungUntilItSucceeds) {
 }
 
 TEST(Ladder, OneBadTriangle_IsGivenUpAlone) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 100)}, make_Ladder(55), make_Centres(100),
-                                   make_Library([](const Patch& p, double) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 100)}, make_Rungs(55), make_Centres(100),
+                                   make_Library([](const Patch& p, const Rung&) {
                                      return std::find(p.triangles.begin(), p.triangles.end(),
                                                       42u) != p.triangles.end();
                                    }));
@@ -174,8 +221,8 @@ TEST(Ladder, OneBadTriangle_IsGivenUpAlone) {
 }
 
 TEST(Ladder, EndsWhereEverythingFails) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 5000)}, make_Ladder(55), make_Centres(5000),
-                                   make_Library([](const Patch&, double) { return true; }));
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 5000)}, make_Rungs(55), make_Centres(5000),
+                                   make_Library([](const Patch&, const Rung&) { return true; }));
   EXPECT_TRUE(climb.settled.empty());
   EXPECT_EQ(climb.given_up.size(), 5000u);
   // Thirteen halvings come down to single triangles, with seven rungs at each size.
@@ -184,33 +231,99 @@ TEST(Ladder, EndsWhereEverythingFails) {
 }
 
 TEST(Ladder, GivesUpPiecesAtTheLimitOfHalvings) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 64)}, {{55.0}, 2, true}, make_Centres(64),
-                                   make_Library([](const Patch&, double) { return true; }));
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 64)}, LadderRules{{}, {{55.0, 0, true}}, 2}, make_Centres(64),
+                   make_Library([](const Patch&, const Rung&) { return true; }));
   EXPECT_EQ(climb.given_up.size(), 4u);
   EXPECT_EQ(climb.calls, 3u);
 }
 
-TEST(Ladder, WithoutHalvings_OneRungIsOneCall) {
-  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, {{55.0}, 0, false}, make_Centres(9),
-                                   make_Library([](const Patch&, double) { return true; }));
+TEST(Ladder, PlainlyCalled_AFailureIsGivenUpAfterOneCall) {
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 9)}, make_Plain(55), make_Centres(9),
+                                   make_Library([](const Patch&, const Rung&) { return true; }));
   EXPECT_EQ(climb.calls, 1u);
   EXPECT_EQ(climb.given_up.size(), 1u);
 }
 
 TEST(Ladder, RegionsOfInterestGoTogetherAndOnlyThoseThatFailGoOn) {
   std::vector<size_t> offered;
-  const Attempt inner = make_Library([](const Patch& p, double a) { return p.roi == 1 && a > 30; });
-  const Attempt library = [&](const std::vector<Patch>& patches, double aperture) {
+  const Attempt inner =
+      make_Library([](const Patch& p, const Rung& r) { return p.roi == 1 && r.aperture > 30; });
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung& rung) {
     offered.push_back(patches.size());
-    return inner(patches, aperture);
+    return inner(patches, rung);
   };
   const Climb climb = climb_Ladder({make_Patch(0, 0, 5), make_Patch(1, 5, 9), make_Patch(2, 9, 9)},
-                                   make_Ladder(55), make_Centres(9), library);
+                                   make_Rungs(55), make_Centres(9), library);
   // The empty patch is never offered.
   EXPECT_EQ(offered, std::vector<size_t>({2, 1, 1}));
   EXPECT_EQ(climb.notes.size(), 4u);
   EXPECT_EQ(climb.settled.back().patch.roi, 1u);
   EXPECT_EQ(climb.settled.back().aperture, 30.0);
+}
+
+TEST(Ladder, APatchThatGoesThroughWholeInAnotherPosition_IsNotSplit) {
+  std::vector<Rung> rungs;
+  const Attempt inner = make_Library([](const Patch&, const Rung& r) { return r.position < 3; });
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung& rung) {
+    rungs.push_back(rung);
+    return inner(patches, rung);
+  };
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55, 9), make_Centres(9), library);
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].patch.triangles, make_Patch(0, 0, 9).triangles);
+  EXPECT_EQ(climb.settled[0].patch.halvings, 0u);
+  EXPECT_EQ(climb.settled[0].aperture, 55.0);
+  EXPECT_EQ(list_Apertures(rungs), Apertures(4, 55.0));
+  ASSERT_EQ(climb.notes.size(), 4u);
+  for (uint32_t i = 0; i < 4; ++i) EXPECT_EQ(climb.notes[i].position, i);
+}
+
+TEST(Ladder, WholePatches_AreOfferedWholeWhateverAFailedAttemptLetGoOf) {
+  Lists offered;
+  const LadderRules rules{{{55.0, 0, false}, {55.0, 1, false}}, {{55.0, 0, true}}, 0};
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 9)}, rules, make_Centres(9), make_HalfFailing(0, offered));
+  const std::vector<uint32_t> whole = make_Patch(0, 0, 9).triangles;
+  EXPECT_EQ(offered, Lists({whole, whole}));
+  ASSERT_EQ(climb.settled.size(), 1u);
+  EXPECT_EQ(climb.settled[0].patch.triangles, whole);
+}
+
+TEST(Ladder, ComesToPiecesBehindAllRungsForWholePatchesAndNeverGoesBackToThem) {
+  std::vector<Rung> rungs;
+  std::vector<size_t> sizes;
+  const Attempt inner =
+      make_Library([](const Patch& p, const Rung&) { return p.triangles.size() > 5; });
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung& rung) {
+    rungs.push_back(rung);
+    sizes.push_back(patches[0].triangles.size());
+    return inner(patches, rung);
+  };
+  const LadderRules rules = make_Ladder(30, 10);
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 10)}, rules, make_Centres(10), library);
+  ASSERT_EQ(rungs.size(), rules.whole.size() + rules.rungs.size() + 1);
+  for (size_t i = 0; i + 1 < rungs.size(); ++i) {
+    EXPECT_EQ(rungs[i].again, i >= rules.whole.size()) << i;
+    EXPECT_EQ(sizes[i], 10u) << i;
+  }
+  EXPECT_TRUE(rungs.back().again);
+  EXPECT_EQ(rungs.back().aperture, 30.0);
+  EXPECT_EQ(climb.settled.size(), 2u);
+  for (const Settled& s : climb.settled) EXPECT_EQ(s.patch.halvings, 1u);
+}
+
+TEST(Ladder, OfSeveralPatches_OnlyThoseThatFailedGetAnotherPosition) {
+  const Attempt library =
+      make_Library([](const Patch& p, const Rung& r) { return p.roi == 1 && r.position == 0; });
+  const Climb climb = climb_Ladder({make_Patch(0, 0, 5), make_Patch(1, 5, 9)}, make_Ladder(55, 9),
+                                   make_Centres(9), library);
+  EXPECT_EQ(climb.calls, 2u);
+  ASSERT_EQ(climb.notes.size(), 3u);
+  EXPECT_EQ(climb.notes[2].roi, 1u);
+  EXPECT_EQ(climb.notes[2].position, 1u);
+  EXPECT_EQ(climb.settled.size(), 2u);
 }
 
 TEST(Halve, CutsAlongTheLongestExtentIntoEqualHalvesInFileOrder) {

@@ -113,6 +113,16 @@ TEST(Roi, ReadsOneIndexALineAndPassesOverBlanksAndComments) {
   EXPECT_EQ(roi.repeated, 0u);
 }
 
+TEST(Roi, MayBeginWithAByteOrderMark) {
+  Folder folder;
+  EXPECT_EQ(read_Roi(folder.write("r.txt",
+                                  "\xEF\xBB\xBF"
+                                  "5\r\n0\r\n"),
+                     8)
+                .triangles,
+            std::vector<uint32_t>({5, 0}));
+}
+
 TEST(Roi, LeavesRepeatedEntriesOutAndCountsThem) {
   Folder folder;
   const Roi roi = read_Roi(folder.write("r.txt", "3\n3\n1\n3\n"), 8);
@@ -132,7 +142,9 @@ TEST(Roi, BadLines_AreNamedWithFileAndLine) {
   EXPECT_TRUE(has_Text(fail("1\n8\n"),
                        "r.txt:2: triangle 8 is out of range. The part has triangles 0 to 7"));
   EXPECT_TRUE(has_Text(fail("-1\n"), "r.txt:1: triangle -1 is out of range"));
-  EXPECT_TRUE(has_Text(fail("99999999999999999999\n"), "r.txt:1:"));
+  EXPECT_TRUE(has_Text(fail("0\n99999999999999999999\n"),
+                       "r.txt:2: triangle 99999999999999999999 is out of range"));
+  EXPECT_TRUE(has_Text(fail("-\n"), "r.txt:1: '-' is no triangle index"));
   EXPECT_TRUE(has_Text(fail("# nothing\n"), "names no triangle"));
   EXPECT_TRUE(has_Text(fail(""), "names no triangle"));
 }

@@ -48,45 +48,101 @@ TEST(Rotation, ByRightAnglesIsExact) {
   EXPECT_TRUE(down.x == v.x && down.y == -v.y && down.z == -v.z);
 }
 
-TEST(Displacement, MovesEachVertexByItsShareOfItsShortestEdge) {
+// Turned, parted and displaced as far as told, without needles set apart.
+Prepared prepare_Displaced(const Mesh& mesh, double displacement) {
+  PrepareRules rules;
+  rules.displacement = displacement;
+  rules.needle = 0.0;
+  return prepare_Mesh(mesh, rules);
+}
+
+bool is_Same(const T3DVEC& a, const T3DVEC& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
+
+TEST(Position, MovesEachVertexByItsShareOfItsShortestEdge) {
   // Vertex 0 has edges of 1 and 10, vertex 3 one of 10 and one longer; vertex 4 has none.
-  Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 10}, {7, 7, 7}}, {{0, 1, 2}, {0, 1, 3}}};
-  const Mesh old = mesh;
-  displace_Vertices(mesh, 1e-4);
-  EXPECT_NEAR(len_Vec(mesh.vertices[0] - old.vertices[0]), 1e-4, 1e-12);
-  EXPECT_NEAR(len_Vec(mesh.vertices[3] - old.vertices[3]), 1e-3, 1e-12);
-  EXPECT_EQ(len_Vec(mesh.vertices[4] - old.vertices[4]), 0.0);
-}
-
-TEST(Displacement, IsTheSameEveryTimeAndHangsOnTheIndexAlone) {
-  Mesh a = make_DomeMesh(6), b = make_DomeMesh(6);
-  displace_Vertices(a, 1e-4);
-  displace_Vertices(b, 1e-4);
-  for (size_t i = 0; i < a.vertices.size(); ++i) {
-    EXPECT_EQ(a.vertices[i].x, b.vertices[i].x);
-    EXPECT_EQ(a.vertices[i].z, b.vertices[i].z);
+  const Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 10}, {7, 7, 7}}, {{0, 1, 2}, {0, 1, 3}}};
+  Prepared prepared = prepare_Displaced(mesh, 1e-4);
+  for (uint32_t position = 0; position < 5; ++position) {
+    place_Vertices(prepared, position);
+    const std::vector<T3DVEC>& now = prepared.mesh.vertices;
+    EXPECT_NEAR(len_Vec(now[0] - mesh.vertices[0]), 1e-4, 1e-12) << position;
+    EXPECT_NEAR(len_Vec(now[3] - mesh.vertices[3]), 1e-3, 1e-12) << position;
+    EXPECT_TRUE(is_Same(now[4], mesh.vertices[4])) << position;
   }
-  // Values fixed for good, so that results of one version can be had again with the next.
-  Mesh one{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}};
-  displace_Vertices(one, 1.0);
-  EXPECT_EQ(one.vertices[0].x, 0.95925720288565985);
-  EXPECT_EQ(one.vertices[2].z, 0.40962895973691271);
 }
 
-TEST(Displacement, TiltsFlatNeighboursAgainstEachOther) {
+TEST(Position, IsTheSameEveryTimeWhateverCameBefore) {
+  Prepared a = prepare_Displaced(make_DomeMesh(6), 1e-4);
+  Prepared b = prepare_Displaced(make_DomeMesh(6), 1e-4);
+  const std::vector<T3DVEC> first = a.mesh.vertices;
+  place_Vertices(a, 7);
+  for (const uint32_t position : {3, 1, 7}) place_Vertices(b, position);
+  for (size_t v = 0; v < a.mesh.vertices.size(); ++v) {
+    EXPECT_TRUE(is_Same(a.mesh.vertices[v], b.mesh.vertices[v])) << v;
+    EXPECT_FALSE(is_Same(a.mesh.vertices[v], first[v])) << v;
+  }
+  place_Vertices(a, 0);
+  for (size_t v = 0; v < first.size(); ++v) EXPECT_TRUE(is_Same(a.mesh.vertices[v], first[v]));
+}
+
+TEST(Position, StaysTheSameFromVersionToVersion) {
+  Prepared one = prepare_Displaced({{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}}, 1.0);
+  EXPECT_EQ(one.mesh.vertices[0].x, 0.95925720288565985);
+  EXPECT_EQ(one.mesh.vertices[2].z, 0.40962895973691271);
+  place_Vertices(one, 1);
+  EXPECT_EQ(one.mesh.vertices[0].x, -0.7323040188420823);
+  EXPECT_EQ(one.mesh.vertices[2].z, -0.8436275609216398);
+}
+
+TEST(Position, TiltsFlatNeighboursAgainstEachOther) {
   Soup corners = make_Dome(5);
   for (T3DVEC& corner : corners) corner.z = 0.0;
-  Mesh mesh = weld_Corners(corners);
-  displace_Vertices(mesh, 1e-4);
+  Prepared prepared = prepare_Displaced(weld_Corners(corners), 1e-4);
+  const Mesh& mesh = prepared.mesh;
   const auto normal = [&](uint32_t i) {
     const T3DTRI t = mesh.triangles[i];
     const T3DVEC a = mesh.vertices[t.a];
     return unit_Vec(cross_Vec(mesh.vertices[t.b] - a, mesh.vertices[t.c] - a));
   };
-  for (uint32_t i = 1; i < mesh.triangles.size(); ++i) {
-    const double tilt = len_Vec(normal(i) - normal(i - 1));
-    EXPECT_GT(tilt, 1e-7);
-    EXPECT_LT(tilt, 1e-3);
+  for (const uint32_t position : {0, 1, 9}) {
+    place_Vertices(prepared, position);
+    for (uint32_t i = 1; i < mesh.triangles.size(); ++i) {
+      const double tilt = len_Vec(normal(i) - normal(i - 1));
+      EXPECT_GT(tilt, 1e-7) << position;
+      EXPECT_LT(tilt, 1e-3) << position;
+    }
+  }
+}
+
+TEST(Position, CopiesOfAVertexGoWhereItGoes) {
+  // Three triangles on one edge, and the first of them once more.
+  const Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 2}, {0, -3, 0}},
+                  {{0, 1, 2}, {0, 1, 3}, {0, 1, 4}, {1, 2, 0}}};
+  Prepared prepared = prepare_Mesh(mesh, {});
+  EXPECT_TRUE(prepared.apart[3]);
+  ASSERT_EQ(prepared.mesh.vertices.size(), 5u + 3 + 4);
+  EXPECT_EQ(std::vector<uint32_t>(prepared.root.begin(), prepared.root.begin() + 5),
+            std::vector<uint32_t>({0, 1, 2, 3, 4}));
+  for (uint32_t position = 0; position < 4; ++position) {
+    place_Vertices(prepared, position);
+    for (size_t i = 0; i < mesh.triangles.size(); ++i) {
+      const T3DTRI &old = mesh.triangles[i], &now = prepared.mesh.triangles[i];
+      for (const auto& [o, n] : {std::pair(old.a, now.a), {old.b, now.b}, {old.c, now.c}}) {
+        EXPECT_EQ(prepared.root[n], o);
+        EXPECT_TRUE(is_Same(prepared.mesh.vertices[n], prepared.mesh.vertices[o])) << position;
+        EXPECT_FALSE(is_Same(prepared.mesh.vertices[n], mesh.vertices[o])) << position;
+      }
+    }
+  }
+}
+
+TEST(Position, OfAPlainMeshIsItsOwn) {
+  const Mesh mesh = make_DomeMesh(4);
+  Prepared plain = keep_Plain(mesh);
+  for (const uint32_t position : {0, 1, 5}) place_Vertices(plain, position);
+  ASSERT_EQ(plain.mesh.vertices.size(), mesh.vertices.size());
+  for (size_t v = 0; v < mesh.vertices.size(); ++v) {
+    EXPECT_TRUE(is_Same(plain.mesh.vertices[v], mesh.vertices[v]));
   }
 }
 
@@ -181,6 +237,7 @@ TEST(Prepare, PlainIsTheMeshAsItIs) {
   const Prepared plain = keep_Plain(mesh);
   EXPECT_EQ(plain.mesh.vertices[5].z, mesh.vertices[5].z);
   EXPECT_EQ(plain.origin[7], 7u);
+  EXPECT_TRUE(plain.rest.empty());
 }
 
 TEST(Prepare, TurnsRefinesAndDisplacesWithinATenthousandth) {
@@ -195,6 +252,25 @@ TEST(Prepare, TurnsRefinesAndDisplacesWithinATenthousandth) {
     const T3DVEC back = prepared.rotation.turn_Back(prepared.mesh.vertices[v]);
     EXPECT_LT(len_Vec(back - mesh.vertices[v]), 2.0e-4 * 1.01);
   }
+}
+
+TEST(Prepare, CutsTheMeshWhereItIsNoSurface_UnlessToldNotTo) {
+  const Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 2}, {0, -3, 0}},
+                  {{0, 1, 2}, {0, 1, 3}, {0, 1, 4}}};
+  PrepareRules rules;
+  EXPECT_EQ(prepare_Mesh(mesh, rules).mesh.vertices.size(), 9u);
+  rules.cut = false;
+  EXPECT_EQ(prepare_Mesh(mesh, rules).mesh.vertices.size(), 5u);
+}
+
+TEST(Prepare, ANeedleOnAnEdgeOfTwoOthers_DoesNotPartThem) {
+  const Mesh mesh{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.5, 1e-5, 0}},
+                  {{0, 1, 2}, {1, 0, 3}, {0, 1, 4}}};
+  const Prepared prepared = prepare_Mesh(mesh, {});
+  EXPECT_EQ(prepared.apart, std::vector<bool>({false, false, true}));
+  EXPECT_EQ(prepared.mesh.triangles[0].a, prepared.mesh.triangles[1].b);
+  EXPECT_EQ(prepared.mesh.triangles[0].b, prepared.mesh.triangles[1].a);
+  EXPECT_EQ(prepared.mesh.vertices.size(), 8u);
 }
 
 // A strip of triangles 0 to n - 1, neighbours by number.

@@ -35,8 +35,8 @@ struct Example {
     settled.regions.push_back({{2, 0, 1}, down, frame});
     settled.regions.push_back({{3}, side, frame});
     climb.settled.push_back(settled);
-    climb.notes.push_back({1, 0, 55.0, 1, 1, 5, 11, 11});
-    climb.notes.push_back({2, 0, 40.0, 1, 0, 5, 0, 0});
+    climb.notes.push_back({1, 0, 55.0, 2, 1, 1, 5, 11, 11});
+    climb.notes.push_back({2, 0, 40.0, 0, 1, 0, 5, 0, 0});
     climb.calls = 2;
     answer = assemble_Answer(part, prepared, {{"list.txt", {4, 3, 2, 1, 0}, 1}}, climb);
     answer.times = {{"01. Load", 5, 2}};
@@ -137,12 +137,15 @@ TEST(JsonReport, KeysAndTheirOrderAreFixed) {
   EXPECT_EQ(list_Keys(json["input"]),
             Keys({"path", "triangles", "vertices", "welded", "area", "degenerate"}));
   EXPECT_EQ(list_Keys(json["preparation"]),
-            Keys({"plain", "up", "displacement", "needle", "max_edge"}));
+            Keys({"plain", "up", "displacement", "needle", "cut", "max_edge"}));
   const Json& roi = json["regions_of_interest"][0];
   EXPECT_EQ(list_Keys(roi), Keys({"index", "source", "status", "codes", "count", "repeated", "area",
                                   "covered", "needed", "regions", "free"}));
   EXPECT_EQ(list_Keys(roi["needed"]),
             Keys({"calls", "narrowest_aperture", "halvings", "set_apart", "given_up", "attempts"}));
+  EXPECT_EQ(
+      list_Keys(roi["needed"]["attempts"][0]),
+      Keys({"call", "aperture", "position", "patches", "triangles", "failed", "first", "second"}));
   EXPECT_EQ(list_Keys(roi["regions"][0]),
             Keys({"number", "count", "area", "axis", "centre", "frame", "aperture", "triangles"}));
   EXPECT_EQ(list_Keys(roi["free"]), Keys({"count", "area", "triangles"}));
@@ -175,8 +178,36 @@ TEST(JsonReport, TellsWhatWasFound) {
   EXPECT_EQ(roi["regions"][0]["axis"], Json({0.0, 0.0, 1.0}));
   EXPECT_EQ(roi["regions"][0]["triangles"], Json({0, 1, 2}));
   EXPECT_EQ(roi["free"]["triangles"], Json({4}));
-  EXPECT_EQ(roi["needed"]["attempts"].size(), 2u);
+  EXPECT_EQ(roi["needed"]["attempts"], Json({{{"call", 1},
+                                              {"aperture", 55.0},
+                                              {"position", 2},
+                                              {"patches", 1},
+                                              {"triangles", 5},
+                                              {"failed", 1},
+                                              {"first", 11},
+                                              {"second", 11}},
+                                             {{"call", 2},
+                                              {"aperture", 40.0},
+                                              {"position", 0},
+                                              {"patches", 1},
+                                              {"triangles", 5},
+                                              {"failed", 0},
+                                              {"first", 0},
+                                              {"second", 0}}}));
   EXPECT_EQ(json["stages"][0]["ms"], 5);
+}
+
+TEST(JsonReport, PlainTellsThatNothingWasDone) {
+  const Example e;
+  DecomposeOptions options;
+  EXPECT_EQ(make_Json(e.part, options, e.answer)["preparation"]["cut"], true);
+  options.plain = true;
+  EXPECT_EQ(make_Json(e.part, options, e.answer)["preparation"], Json({{"plain", true},
+                                                                       {"up", {0.0, 0.0, 1.0}},
+                                                                       {"displacement", 0.0},
+                                                                       {"needle", 0.0},
+                                                                       {"cut", false},
+                                                                       {"max_edge", nullptr}}));
 }
 
 TEST(JsonReport, PutsListsOfNumbersOnOneLine) {
@@ -280,6 +311,7 @@ TEST(Output, FilesAppearAtTheCommitOnly) {
   const fs::path path = folder.path / "a/b";
   {
     OutputFolder output(path, {"x.txt", "y.txt"});
+    EXPECT_TRUE(fs::is_empty(path));
     output.file(0) << "one";
     EXPECT_FALSE(fs::exists(path / "x.txt"));
     output.commit();
