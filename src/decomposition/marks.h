@@ -1,4 +1,5 @@
-// Scratch marks on triangles that are cleared in no time: a mark is the number of the current round.
+// Scratch marks on triangles that are cleared in no time: a mark is the number of the current
+// round.
 #pragma once
 
 #include <algorithm>
