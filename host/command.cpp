@@ -54,7 +54,7 @@ Attempt make_Attempt(LibraryCall& call, Prepared& prepared, bool talk, std::ostr
           << std::flush;
     }
     place_Vertices(prepared, rung.position);
-    return call.run(patches, rung.aperture);
+    return call.run(patches, rung);
   };
 }
 

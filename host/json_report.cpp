@@ -56,10 +56,25 @@ Json show_Region(const Region& region) {
           {"triangles", region.triangles}};
 }
 
+const char* name_Tilt(Tilt tilt) {
+  switch (tilt) {
+    case Tilt::kLow:
+      return "low";
+    case Tilt::kHigh:
+      return "high";
+    case Tilt::kMiddle:
+      return "middle";
+    default:
+      return "band";
+  }
+}
+
 Json show_Note(const CallNote& note) {
-  return {{"call", note.call},       {"aperture", note.aperture},   {"position", note.position},
-          {"patches", note.patches}, {"triangles", note.triangles}, {"failed", note.failed},
-          {"first", note.first},     {"second", note.second}};
+  return {{"call", note.call},         {"aperture", note.aperture},
+          {"position", note.position}, {"tilt", name_Tilt(note.tilt)},
+          {"patches", note.patches},   {"triangles", note.triangles},
+          {"failed", note.failed},     {"first", note.first},
+          {"second", note.second}};
 }
 
 Json show_Needed(const RoiAnswer& roi) {

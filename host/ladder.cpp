@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace undercut::host {
@@ -23,7 +25,8 @@ void note_Call(Climb& climb, const std::vector<Patch>& patches, const Rung& rung
     const auto same = [&](const CallNote& n) { return n.roi == patches[i].roi; };
     auto note = std::find_if(notes.begin(), notes.end(), same);
     if (note == notes.end()) {
-      notes.push_back({climb.calls, patches[i].roi, rung.aperture, rung.position, 0, 0, 0, 0, 0});
+      notes.push_back(
+          {climb.calls, patches[i].roi, rung.aperture, rung.position, rung.tilt, 0, 0, 0, 0, 0});
       note = std::prev(notes.end());
     }
     ++note->patches;
@@ -128,10 +131,29 @@ int find_LongestAxis(const Patch& patch, const std::vector<T3DVEC>& centres) {
   return longest;
 }
 
+// One patch for each region of interest: the triangles of settled patches that no region holds.
+std::vector<Patch> list_Free(const Climb& climb) {
+  std::map<uint32_t, std::set<uint32_t>> free;
+  for (const Settled& settled : climb.settled) {
+    free[settled.patch.roi].insert(settled.patch.triangles.begin(), settled.patch.triangles.end());
+  }
+  for (const Settled& settled : climb.settled) {
+    for (const FoundRegion& region : settled.regions) {
+      for (const uint32_t triangle : region.triangles) free[settled.patch.roi].erase(triangle);
+    }
+  }
+  std::vector<Patch> patches;
+  for (const auto& [roi, triangles] : free) {
+    if (triangles.empty()) continue;
+    patches.push_back({roi, 0, {triangles.begin(), triangles.end()}});
+  }
+  return patches;
+}
+
 }  // namespace
 
 LadderRules make_Ladder(double aperture, size_t triangles) {
-  LadderRules rules{{}, {{aperture, 0, true}}, kMostHalvings};
+  LadderRules rules{{}, {{aperture, 0, true}}, {}, kMostHalvings};
   const auto fewer = static_cast<uint32_t>(triangles / kFullTries + 1);
   const auto add_Tries = [&](double rung, uint32_t tries) {
     for (uint32_t position = 0; position < (tries + fewer - 1) / fewer; ++position)
@@ -142,10 +164,12 @@ LadderRules make_Ladder(double aperture, size_t triangles) {
     if (rung < aperture) add_Tries(rung, kTriesLater);
   for (const double rung : {40.0, 30.0, 25.0, 20.0, 15.0, 10.0})
     if (rung < aperture) rules.rungs.push_back({rung, 0, true});
+  for (const Tilt tilt : {Tilt::kLow, Tilt::kHigh, Tilt::kMiddle})
+    rules.rest.push_back({aperture, 0, true, tilt});
   return rules;
 }
 
-LadderRules make_Plain(double aperture) { return {{}, {{aperture, 0, false}}, 0}; }
+LadderRules make_Plain(double aperture) { return {{}, {{aperture, 0, false}}, {}, 0}; }
 
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres) {
   const int axis = find_LongestAxis(patch, centres);
@@ -186,6 +210,10 @@ Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
       for (Patch& half : halve_Patch(patch, centres)) halves.push_back(std::move(half));
     }
     patches = std::move(halves);
+  }
+  for (const Rung& rung : rules.rest) {
+    std::vector<Patch> free = list_Free(climb);
+    if (!free.empty()) try_Rung(climb, std::move(free), rung, false, attempt);
   }
   return climb;
 }

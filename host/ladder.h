@@ -38,11 +38,16 @@ struct Outcome {
   std::vector<uint32_t> rest;
 };
 
+// The axes that a rung allows: all of each polar band, or one angle of it alone. The library judges
+// a seed at the most tilted axis of a band; the floor of a pocket is seen along others only.
+enum class Tilt { kBand, kLow, kHigh, kMiddle };
+
 // One way to offer a patch.
 struct Rung {
   double aperture = 0.0;  // T_win, degrees
   uint32_t position = 0;  // which of the general positions the mesh is brought into
   bool again = false;     // offer again, in pieces, what a failed attempt let go of
+  Tilt tilt = Tilt::kBand;
 };
 
 // Offers all patches on one rung, in one call of the library; one outcome for each.
@@ -51,6 +56,7 @@ using Attempt = std::function<std::vector<Outcome>(const std::vector<Patch>&, co
 struct LadderRules {
   std::vector<Rung> whole;  // tried first; a patch that fails goes on as it is
   std::vector<Rung> rungs;  // then these, and again for each half
+  std::vector<Rung> rest;   // what stayed free is offered on each of these at the end
   uint32_t most_halvings = 0;
 };
 
@@ -65,6 +71,7 @@ struct CallNote {
   uint32_t call = 0, roi = 0;
   double aperture = 0.0;
   uint32_t position = 0;
+  Tilt tilt = Tilt::kBand;
   uint32_t patches = 0, failed = 0;
   size_t triangles = 0;
   int32_t first = 0, second = 0;  // codes of the first patch that has any
@@ -96,6 +103,8 @@ std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& ce
 // On those a patch goes through whole or not at all. On the others it comes to pieces: what the
 // library's second attempt dealt with is settled, and only the rest goes on. Where some passes of
 // an attempt went well, the triangles that they had dealt with are offered again on the same rung.
+// At the end the triangles that no region took are offered once more, on the rungs for the rest:
+// what fails there stays free.
 Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
                    const std::vector<T3DVEC>& centres, const Attempt& attempt);
 

@@ -104,6 +104,26 @@ bool is_Doubtful(const Outcome& outcome) {
   return outcome.first != 0 && outcome.second == 0 && outcome.rest.empty();
 }
 
+// The user's value of a parameter, or its default.
+template <typename Value>
+Value find_Value(const std::vector<Setting>& settings, const char* name) {
+  const Parameter& parameter = find_Parameter(name);
+  Value value = std::get<Value>(parameter.standard);
+  for (const Setting& setting : settings) {
+    if (setting.parameter == &parameter) value = std::get<Value>(setting.value);
+  }
+  return value;
+}
+
+struct BandKeys {
+  const char *low, *high;
+  int32_t (*set_Low)(const double*);
+  int32_t (*set_High)(const double*);
+};
+constexpr BandKeys kBands[] = {{"dcm.a_th0", "dcm.b_th0", dcm_aT0, dcm_bT0},
+                               {"dcm.a_th1", "dcm.b_th1", dcm_aT1, dcm_bT1},
+                               {"dcm.a_th2", "dcm.b_th2", dcm_aT2, dcm_bT2}};
+
 }  // namespace
 
 void set_Parameters(const CallRules& rules) {
@@ -115,12 +135,7 @@ void set_Parameters(const CallRules& rules) {
 }
 
 double find_Aperture(const std::vector<Setting>& settings) {
-  const Parameter& aperture = find_Parameter("dcm.T_win");
-  double value = std::get<double>(aperture.standard);
-  for (const Setting& setting : settings) {
-    if (setting.parameter == &aperture) value = std::get<double>(setting.value);
-  }
-  return value;
+  return find_Value<double>(settings, "dcm.T_win");
 }
 
 LibraryCall::LibraryCall(Mesh& mesh, const CallRules& rules) : mesh_(mesh), rules_(rules) {
@@ -195,8 +210,29 @@ bool LibraryCall::run_Together(const std::vector<Patch>& patches, std::vector<Ou
   return true;
 }
 
-std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, double aperture) {
-  dcm_win(&aperture);
+// No bands at all are one from pole to pole.
+void LibraryCall::set_Bands(Tilt tilt) const {
+  const auto bands = static_cast<uint32_t>(find_Value<int64_t>(rules_.settings, "dcm.n_con"));
+  const bool whole = bands == 0 && tilt != Tilt::kBand;
+  set_Value<uint32_t>(dcm_Con, whole ? 1 : bands);
+  for (const BandKeys& keys : kBands) {
+    double low = find_Value<double>(rules_.settings, keys.low);
+    double high = find_Value<double>(rules_.settings, keys.high);
+    if (whole) {
+      low = 0.0;
+      high = 180.0;
+    }
+    if (tilt == Tilt::kLow) high = low;
+    if (tilt == Tilt::kHigh) low = high;
+    if (tilt == Tilt::kMiddle) low = high = 0.5 * (low + high);
+    keys.set_Low(&low);
+    keys.set_High(&high);
+  }
+}
+
+std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, const Rung& rung) {
+  dcm_win(&rung.aperture);
+  set_Bands(rung.tilt);
   std::vector<Outcome> outcomes;
   if (run_Together(patches, outcomes)) return outcomes;
   // A list alone has one slot or none.

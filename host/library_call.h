@@ -30,7 +30,7 @@ class LibraryCall {
 
   // One call of get_Dcm with a region of interest for each patch; one outcome for each patch, in
   // their order. Throws RunError where the library refuses the call as a whole.
-  std::vector<Outcome> run(const std::vector<Patch>& patches, double aperture);
+  std::vector<Outcome> run(const std::vector<Patch>& patches, const Rung& rung);
 
   const std::vector<StageTime>& times() const { return times_; }
   // The worst status that get_Dcm returned so far: 0, or 1.
@@ -39,6 +39,7 @@ class LibraryCall {
  private:
   // One call; false where it can't be told whose the slots of the result are.
   bool run_Together(const std::vector<Patch>& patches, std::vector<Outcome>& outcomes);
+  void set_Bands(Tilt tilt) const;
   void call_Library(TUcReq& request, TUcRes& result);
 
   Mesh& mesh_;

@@ -104,7 +104,7 @@ TEST_F(Command, Plain_HandsOverTheMeshUntouchedInOneCall) {
   const CallRules rules{{parse_Setting("n_con=3")}, {}, false};
   LibraryCall call(part.mesh, rules);
   const std::vector<Outcome> outcomes =
-      call.run({{0, 0, whole_Roi(part).triangles}}, find_Aperture(rules.settings));
+      call.run({{0, 0, whole_Roi(part).triangles}}, {find_Aperture(rules.settings)});
   const Json& regions = json["regions_of_interest"][0]["regions"];
   ASSERT_FALSE(regions.empty());
   ASSERT_EQ(regions.size(), outcomes[0].regions.size());

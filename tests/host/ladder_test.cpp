@@ -27,6 +27,7 @@ Patch make_Patch(uint32_t roi, uint32_t from, uint32_t to) {
 LadderRules make_Rungs(double aperture) {
   LadderRules rules = make_Ladder(aperture, 1);
   rules.whole.clear();
+  rules.rest.clear();
   return rules;
 }
 
@@ -232,8 +233,8 @@ TEST(Ladder, EndsWhereEverythingFails) {
 
 TEST(Ladder, GivesUpPiecesAtTheLimitOfHalvings) {
   const Climb climb =
-      climb_Ladder({make_Patch(0, 0, 64)}, LadderRules{{}, {{55.0, 0, true}}, 2}, make_Centres(64),
-                   make_Library([](const Patch&, const Rung&) { return true; }));
+      climb_Ladder({make_Patch(0, 0, 64)}, LadderRules{{}, {{55.0, 0, true}}, {}, 2},
+                   make_Centres(64), make_Library([](const Patch&, const Rung&) { return true; }));
   EXPECT_EQ(climb.given_up.size(), 4u);
   EXPECT_EQ(climb.calls, 3u);
 }
@@ -282,7 +283,7 @@ TEST(Ladder, APatchThatGoesThroughWholeInAnotherPosition_IsNotSplit) {
 
 TEST(Ladder, WholePatches_AreOfferedWholeWhateverAFailedAttemptLetGoOf) {
   Lists offered;
-  const LadderRules rules{{{55.0, 0, false}, {55.0, 1, false}}, {{55.0, 0, true}}, 0};
+  const LadderRules rules{{{55.0, 0, false}, {55.0, 1, false}}, {{55.0, 0, true}}, {}, 0};
   const Climb climb =
       climb_Ladder({make_Patch(0, 0, 9)}, rules, make_Centres(9), make_HalfFailing(0, offered));
   const std::vector<uint32_t> whole = make_Patch(0, 0, 9).triangles;
@@ -345,6 +346,45 @@ TEST(Halve, TrianglesAtOnePlaceAreCutByNumber) {
   const std::vector<Patch> halves = halve_Patch(make_Patch(0, 0, 4), std::vector<T3DVEC>(4));
   EXPECT_EQ(halves[0].triangles, std::vector<uint32_t>({0, 1}));
   EXPECT_EQ(halves[1].triangles, std::vector<uint32_t>({2, 3}));
+}
+
+TEST(Ladder, OffersWhatStayedFree_OnceMoreAtEachTiltOfTheBands) {
+  std::vector<std::vector<uint32_t>> offered;
+  std::vector<Tilt> tilts;
+  // The first call takes triangle 0; each later one takes the lowest that it is offered.
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung& rung) {
+    offered.push_back(patches[0].triangles);
+    tilts.push_back(rung.tilt);
+    Outcome outcome;
+    outcome.regions.push_back({{patches[0].triangles[0]}, {}, {}});
+    return std::vector<Outcome>{outcome};
+  };
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55, 9), make_Centres(9), library);
+  ASSERT_EQ(offered.size(), 4u);
+  EXPECT_EQ(tilts, std::vector<Tilt>({Tilt::kBand, Tilt::kLow, Tilt::kHigh, Tilt::kMiddle}));
+  EXPECT_EQ(offered[1], std::vector<uint32_t>({1, 2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(offered[3], std::vector<uint32_t>({3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(climb.notes.back().tilt, Tilt::kMiddle);
+  EXPECT_TRUE(climb.given_up.empty());
+}
+
+TEST(Ladder, WhatFailsOfTheRest_StaysFreeAndIsNoFailure) {
+  const Attempt library = [](const std::vector<Patch>& patches, const Rung& rung) {
+    Outcome outcome;
+    if (rung.tilt == Tilt::kBand) {
+      outcome.regions.push_back({{patches[0].triangles[0]}, {}, {}});
+    } else {
+      outcome.first = outcome.second = 11;
+      outcome.rest = patches[0].triangles;
+    }
+    return std::vector<Outcome>{outcome};
+  };
+  const Climb climb =
+      climb_Ladder({make_Patch(0, 0, 9)}, make_Ladder(55, 9), make_Centres(9), library);
+  EXPECT_TRUE(climb.given_up.empty());
+  EXPECT_EQ(climb.calls, 4u);
+  ASSERT_EQ(climb.settled.size(), 1u);
 }
 
 }  // namespace

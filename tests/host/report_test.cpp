@@ -35,8 +35,8 @@ struct Example {
     settled.regions.push_back({{2, 0, 1}, down, frame});
     settled.regions.push_back({{3}, side, frame});
     climb.settled.push_back(settled);
-    climb.notes.push_back({1, 0, 55.0, 2, 1, 1, 5, 11, 11});
-    climb.notes.push_back({2, 0, 40.0, 0, 1, 0, 5, 0, 0});
+    climb.notes.push_back({1, 0, 55.0, 2, Tilt::kBand, 1, 1, 5, 11, 11});
+    climb.notes.push_back({2, 0, 40.0, 0, Tilt::kBand, 1, 0, 5, 0, 0});
     climb.calls = 2;
     answer = assemble_Answer(part, prepared, {{"list.txt", {4, 3, 2, 1, 0}, 1}}, climb);
     answer.times = {{"01. Load", 5, 2}};
@@ -143,9 +143,9 @@ TEST(JsonReport, KeysAndTheirOrderAreFixed) {
                                   "covered", "needed", "regions", "free"}));
   EXPECT_EQ(list_Keys(roi["needed"]),
             Keys({"calls", "narrowest_aperture", "halvings", "set_apart", "given_up", "attempts"}));
-  EXPECT_EQ(
-      list_Keys(roi["needed"]["attempts"][0]),
-      Keys({"call", "aperture", "position", "patches", "triangles", "failed", "first", "second"}));
+  EXPECT_EQ(list_Keys(roi["needed"]["attempts"][0]),
+            Keys({"call", "aperture", "position", "tilt", "patches", "triangles", "failed", "first",
+                  "second"}));
   EXPECT_EQ(list_Keys(roi["regions"][0]),
             Keys({"number", "count", "area", "axis", "centre", "frame", "aperture", "triangles"}));
   EXPECT_EQ(list_Keys(roi["free"]), Keys({"count", "area", "triangles"}));
@@ -181,6 +181,7 @@ TEST(JsonReport, TellsWhatWasFound) {
   EXPECT_EQ(roi["needed"]["attempts"], Json({{{"call", 1},
                                               {"aperture", 55.0},
                                               {"position", 2},
+                                              {"tilt", "band"},
                                               {"patches", 1},
                                               {"triangles", 5},
                                               {"failed", 1},
@@ -189,6 +190,7 @@ TEST(JsonReport, TellsWhatWasFound) {
                                              {{"call", 2},
                                               {"aperture", 40.0},
                                               {"position", 0},
+                                              {"tilt", "band"},
                                               {"patches", 1},
                                               {"triangles", 5},
                                               {"failed", 0},
