@@ -31,20 +31,20 @@ bool count_Call() {
   return false;
 }
 
-void* take_Block(std::size_t size) noexcept {
+[[maybe_unused]] void* take_Block(std::size_t size) noexcept {
   if (count_Call()) return nullptr;
   void* block = std::malloc(size > 0 ? size : 1);
   if (block) ++live_blocks;
   return block;
 }
 
-void* take_OrThrow(std::size_t size) {
+[[maybe_unused]] void* take_OrThrow(std::size_t size) {
   void* block = take_Block(size);
   if (!block) throw std::bad_alloc();
   return block;
 }
 
-void give_Block(void* block) noexcept {
+[[maybe_unused]] void give_Block(void* block) noexcept {
   if (block) --live_blocks;
   if (block && notes_freed && freed_count < 64) freed_blocks[freed_count++] = block;
   std::free(block);
