@@ -32,7 +32,8 @@ void write_Part(std::ostream& out, const Part& part) {
 // What the region of interest needed, in a phrase.
 std::string show_Needed(const RoiAnswer& roi) {
   std::string text = count_Word(roi.notes.size(), "call", "calls");
-  if (roi.notes.size() > 1) text += ", aperture down to " + fixed_Text(roi.narrowest, 0) + " deg";
+  if (!roi.notes.empty() && roi.narrowest < roi.notes.front().aperture)
+    text += ", aperture down to " + fixed_Text(roi.narrowest, 0) + " deg";
   if (roi.halvings > 0) text += ", halved " + count_Word(roi.halvings, "time", "times");
   if (roi.set_apart > 0)
     text += ", " + count_Word(roi.set_apart, "triangle", "triangles") + " set apart";
