@@ -11,9 +11,8 @@
 //   later by as much: far more than the 2^-51 of themselves by which the numbers of hit_Box err.
 //   A box that begins behind org is taken to begin at org.
 // - Above 2^40, or infinite, q is cut off there. A box beyond org is entered still earlier; one
-// that
-//   passes is left no sooner than at 13 u M 2^40, which lies beyond 2 M, where the ray has left it
-//   along its longest component. So such an axis does not decide.
+//   that passes is left no sooner than at 13 u M 2^40, which lies beyond 2 M, where the ray has
+//   left it along its longest component. So such an axis does not decide.
 // M from 2^-60 to 2^60 and D from 2^-100 to 2^100 keep all this clear of overflow and underflow;
 // other rays and trees are not taken.
 #include "mesh/ray_tree.h"
