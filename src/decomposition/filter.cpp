@@ -11,25 +11,24 @@ namespace {
 // Breadth-first search over the triangles of one region; holds its arrays between searches.
 class CPieces {
  public:
-  explicit CPieces(const CMap& map) : map_(map), seen_(map.msh.n_tri, 0) {}
+  explicit CPieces(const CMap& map) : map_(map) { seen_.init(map.msh.n_tri); }
 
   void find(const CUcA& region, std::vector<TUcComp>& pieces) {
     pieces.clear();
+    seen_.clear_All();
     for (int32_t t = region.head; t != -1; t = map_.next_Tri(t)) {
-      if (seen_[t]) continue;
+      if (seen_.test(static_cast<uint32_t>(t))) continue;
       TUcComp piece;
       piece.index = static_cast<uint32_t>(pieces.size());
       flood(static_cast<uint32_t>(t), region.id, piece);
       pieces.push_back(std::move(piece));
     }
-    for (const TUcComp& piece : pieces)
-      for (const uint32_t t : piece.chain) seen_[t] = 0;
   }
 
  private:
   void flood(uint32_t start, int32_t id, TUcComp& piece) {
     order_.assign(1, start);
-    seen_[start] = 1;
+    seen_.set(start);
     for (size_t i = 0; i < order_.size(); ++i) {
       const uint32_t* list;
       const uint32_t n = map_.nbr_Tri(order_[i], list);
@@ -43,14 +42,14 @@ class CPieces {
     if (held != id) {
       if (piece.other == -2) piece.other = held;
       if (piece.other != held) piece.single = false;
-    } else if (!seen_[nb]) {
-      seen_[nb] = 1;
+    } else if (!seen_.test(nb)) {
+      seen_.set(nb);
       order_.push_back(nb);
     }
   }
 
   const CMap& map_;
-  std::vector<uint8_t> seen_;
+  CMarks seen_;
   std::vector<uint32_t> order_;
 };
 

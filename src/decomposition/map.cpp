@@ -70,7 +70,7 @@ bool CMap::ini_Roi(const TArr<uint32_t>& roi) {
     const double weight = i;  // of the list index: triangles passed over count in it
     centroid = (weight / (weight + 1)) * centroid + (1 / (weight + 1)) * cen_Tri(f);
   }
-  fill_Free(*free_region);
+  fill_Frontier(*free_region);
   free_region->measures = {};
   free_region->measures.area = area;
   roi_area = area;
@@ -78,13 +78,14 @@ bool CMap::ini_Roi(const TArr<uint32_t>& roi) {
   return true;
 }
 
-void CMap::fill_Free(CUcA& free_region) {
-  for (int32_t t = free_region.head; t != -1; t = next_Tri(t)) {
-    if (!is_Bnd(static_cast<uint32_t>(t), 0)) continue;
+void CMap::fill_Frontier(CUcA& region) const {
+  for (int32_t t = region.head; t != -1; t = next_Tri(t)) {
+    const auto triangle = static_cast<uint32_t>(t);
+    if (!is_Bnd(triangle, region.id)) continue;
     const uint32_t* list;
-    const uint32_t n = nbr_Tri(static_cast<uint32_t>(t), list);
+    const uint32_t n = nbr_Tri(triangle, list);
     for (uint32_t j = 0; j < n; ++j)
-      if (region_of[list[j]] != 0) free_region.boundary.insert(list[j]);
+      if (region_of[list[j]] != region.id) region.boundary.insert(list[j]);
   }
 }
 

@@ -120,8 +120,9 @@ class CMap {
   bool clr_Lck(uint32_t triangle) { return locked.clear(triangle); }
   bool get_Lck(uint32_t triangle) const { return locked.test(triangle); }
 
-  // Inserts into the boundary of region 0 each neighbour of its border that is not free.
-  void fill_Free(CUcA& free_region);
+  // Inserts into the boundary of a region each neighbour of its triangles that is not its own,
+  // whoever holds it.
+  void fill_Frontier(CUcA& region) const;
 
   // ---- Moves ----
   // How candidates change if the triangle moves now; changes nothing. False for a triangle or

@@ -37,7 +37,7 @@ bool renew_Free(CMap& map) {
   CUcA* free_region = map.get_Uca(0);
   if (!free_region) return false;
   free_region->clr_Sets();
-  map.fill_Free(*free_region);
+  map.fill_Frontier(*free_region);
   double area = 0;
   for (int32_t t = free_region->head; t != -1; t = map.next_Tri(t))
     area += area_Tri(get_Fac(map.msh, static_cast<uint32_t>(t)));

@@ -10,17 +10,6 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-void collect_Frontier(const CMap& map, CUcA& region) {
-  for (int32_t t = region.head; t != -1; t = map.next_Tri(t)) {
-    const auto triangle = static_cast<uint32_t>(t);
-    if (!map.is_Bnd(triangle, region.id)) continue;
-    const uint32_t* list;
-    const uint32_t n = map.nbr_Tri(triangle, list);
-    for (uint32_t j = 0; j < n; ++j)
-      if (map.region_of[list[j]] != region.id) region.boundary.insert(list[j]);
-  }
-}
-
 }  // namespace
 
 bool cost_Uca(const TUcRank& context, double& rank) {
@@ -43,7 +32,7 @@ bool rank_Regions(TUcStage& stage) {
     CUcA* region = ref.region;
     region->clr_Sets();
     if (ref.id == 0 || region->fixed) continue;
-    collect_Frontier(map, *region);
+    map.fill_Frontier(*region);
     for (const uint32_t triangle : region->boundary)
       if (!want_Tri(stage.cnd, region, triangle)) return false;
     stage.rnk.region = region;
