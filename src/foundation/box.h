@@ -43,6 +43,8 @@ class C3DAABB {
     if (other.max.y > max.y) max.y = other.max.y;
     if (other.max.z > max.z) max.z = other.max.z;
   }
+  // Along some axis nothing was added that is a number.
+  bool is_Inverted() const { return !(min.x <= max.x && min.y <= max.y && min.z <= max.z); }
   T3DVEC centre() const { return 0.5 * (min + max); }
   T3DVEC size() const { return max - min; }
   // 'x', 'y' or 'z'; a tie goes to the later axis, so a cube gives z. The shape of every tree, and

@@ -44,9 +44,9 @@ inline bool hit_Box(const T3DRAY& ray, const C3DAABB& box) {
 // hit_Tri for an org in the plane of the triangle.
 bool hit_TriFlat(const T3DRAY& ray, const T3DFAC& f);
 
-// A ray against a triangle: does it cross at org + t dir with t > 0? A degenerate triangle, and one
-// with a coordinate that is not a number, is hit by every ray. A ray through a shared edge hits
-// both triangles.
+// A ray against a triangle: does it cross at org + t dir with t > 0? One with a coordinate that is
+// not a number is hit by every ray, and so is a degenerate one, save where two sums of one value
+// round apart. A ray through a shared edge hits both triangles.
 //
 // The side of org against the triangle is compared with the sides of org + dir against the three
 // triangles of org and an edge: the ray misses if any is opposite. The difference to org + dir is

@@ -1,6 +1,8 @@
 // Boundary edges by counting shared edges, and the chains that edges form.
 #include "mesh/boundary.h"
 
+#include <algorithm>
+
 #include "mesh/edge_counts.h"
 
 namespace undercut {
@@ -35,6 +37,37 @@ int32_t list_Open(const T3DMSH& msh, const TAdj& vtx_tri, Accept accept, TArr<T3
 int32_t check_Mesh(const T3DMSH& msh) {
   if (!msh.tri) return kNoTriangles;
   return msh.n_tri == 0 ? kNoCount : 0;
+}
+
+// Listed triangles in rising order, their vertices numbered among themselves.
+struct TPatch {
+  Scoped<TArr<T3DTRI>> tri;
+  Scoped<TArr<uint32_t>> vertices;  // of the mesh, by own number
+};
+
+bool init_Patch(TPatch& patch, const T3DMSH& msh, const TLst<uint32_t>& lst, uint32_t* number) {
+  Scoped<TArr<uint32_t>> order;
+  const uint64_t most = std::min(uint64_t{3} * lst.count, uint64_t{msh.n_vtx});
+  if (!alloc(*order, lst.count) || !alloc(*patch.tri, lst.count) ||
+      !alloc(*patch.vertices, static_cast<uint32_t>(most)))
+    return false;
+  std::copy(lst.data, lst.data + lst.count, order->data);
+  std::sort(order->data, order->data + order->count);
+  uint32_t used = 0;
+  const auto get_Number = [&](uint32_t v) {
+    if (number[v] == 0) {
+      patch.vertices->data[used] = v;
+      number[v] = ++used;
+    }
+    return number[v] - 1;
+  };
+  for (uint32_t i = 0; i < lst.count; ++i) {
+    const T3DTRI& tri = msh.tri[order->data[i]];
+    patch.tri->data[i] = {get_Number(tri.a), get_Number(tri.b), get_Number(tri.c)};
+  }
+  patch.vertices->count = used;
+  for (uint32_t i = 0; i < used; ++i) number[patch.vertices->data[i]] = 0;
+  return true;
 }
 
 // The first edge of a triangle whose ends are both corners of another; false if there is none.
@@ -111,6 +144,22 @@ int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, T
   if (!has_Lists(vtx_tri)) return kNoLists;
   return list_Open(
       msh, vtx_tri, [&](uint32_t t) { return set.test(t); }, out);
+}
+
+int32_t bnd_Lst(const T3DMSH& msh, const TLst<uint32_t>& lst, uint32_t* number, TArr<T3DSGM>& out) {
+  reset(out);
+  if (const int32_t code = check_Mesh(msh)) return code;
+  if (lst.count == 0) return 0;
+  if (!lst.data) return kNoLists;
+  TPatch patch;
+  if (!init_Patch(patch, msh, lst, number)) return kNoMemory;
+  const T3DMSH own = {nullptr, patch.vertices->count, patch.tri->data, patch.tri->count};
+  Scoped<TAdj> vtx_tri;
+  if (adj_VtxTri(own, *vtx_tri) < 0 || bnd_All(own, *vtx_tri, out) < 0) return kNoMemory;
+  const uint32_t* vertices = patch.vertices->data;
+  for (uint32_t i = 0; i < out.count; ++i)
+    out.data[i] = {vertices[out.data[i].a], vertices[out.data[i].b]};
+  return 0;
 }
 
 int32_t bnd_Own(const T3DMSH& msh, const CBitVector& set, TArr<T3DSGM>& out) {

@@ -15,7 +15,13 @@ int32_t bnd_All(const T3DMSH& msh, const TAdj& vtx_tri, TArr<T3DSGM>& out);
 // Edges of the triangles of a set that no second triangle of the set shares. Codes as bnd_All.
 int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, TArr<T3DSGM>& out);
 
-// The same with a table of its own; triangles with two equal corner indices count on neither side.
+// bnd_Set of the listed triangles, edge by edge in the same order, at the cost of the list instead
+// of the mesh: for patch after patch of a large mesh. The list holds each triangle once, in any
+// order, all in range. `number` holds a zero for each vertex, before and after. Codes as bnd_All;
+// -3 for a list without array.
+int32_t bnd_Lst(const T3DMSH& msh, const TLst<uint32_t>& lst, uint32_t* number, TArr<T3DSGM>& out);
+
+// bnd_Set with a table of its own; triangles with two equal corner indices count on neither side.
 // Codes as bnd_All.
 int32_t bnd_Own(const T3DMSH& msh, const CBitVector& set, TArr<T3DSGM>& out);
 

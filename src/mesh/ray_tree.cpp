@@ -279,11 +279,8 @@ bool hit_Own(const T3DRAY& ray, const T3DFAC& f) {
 void TRayTree::build(const TBoxTree<C3DAABB>& tree, const T3DMSH& msh) {
   clear();
   if (tree.nodes.empty()) return;
-  for (const auto& item : tree.items) {
-    const C3DAABB& box = item.box;
-    // Inverted where all corners of a triangle are not numbers: such a box lies in no other.
-    if (!(box.min.x <= box.max.x && box.min.y <= box.max.y && box.min.z <= box.max.z)) return;
-  }
+  for (const auto& item : tree.items)
+    if (item.box.is_Inverted()) return;  // such a box lies in no other
   const C3DAABB& box = tree.nodes[0].box;
   const double reach = std::max(max_Abs(box.min), max_Abs(box.max));
   if (!(reach <= kMostReach)) return;

@@ -105,6 +105,9 @@ bool C3DTriAABBTree::any_Plain(const T3DRAY& ray) const {
         for (uint32_t i = node.first; i <= node.last && !hit; ++i) {
           const TBoxItem<C3DAABB>& item = tree_.items[i];
           if (excludes_ && item.id == excluded_) continue;
+          // hit_Box and hit_Tri would take a triangle without numbers for one that lies everywhere,
+          // and it would block every ray that comes to its leaf.
+          if (item.box.is_Inverted()) continue;
           hit = hit_Box(ray, item.box) && hit_Tri(ray, get_Fac(msh_, item.id));
         }
         return hit;

@@ -29,6 +29,18 @@ Edges list_Set(TSoup soup, const std::vector<bool>& set) {
   return copy_Of(*edges);
 }
 
+// By the list of the same triangles, in an order that hangs on `step`.
+Edges list_Lst(TSoup soup, const std::vector<bool>& set, uint32_t step) {
+  std::vector<uint32_t> lst, number(soup.vtx.size());
+  for (uint32_t i = 0, t = 0; i < set.size();
+       ++i, t = (t + step) % static_cast<uint32_t>(set.size()))
+    if (set[t]) lst.push_back(t);
+  Scoped<TArr<T3DSGM>> edges;
+  EXPECT_EQ(bnd_Lst(soup.msh(), view_Lst(lst), number.data(), *edges), 0);
+  for (const uint32_t n : number) EXPECT_EQ(n, 0u);
+  return copy_Of(*edges);
+}
+
 Edges list_Own(TSoup soup, const std::vector<bool>& set) {
   Scoped<TArr<T3DSGM>> edges;
   EXPECT_EQ(bnd_Own(soup.msh(), to_Bits(set), *edges), 0);
@@ -322,5 +334,59 @@ TEST(Chains, AgreeWithThePlainWalkOnRandomEdges) {
     for (uint32_t e = 0; e <= seed % 20; ++e)
       edges.push_back({random() % vertices, random() % vertices});
     ASSERT_EQ(list_Chains(edges, vertices), plain::list_Chains(edges, vertices));
+  }
+}
+
+TEST(BoundaryOfAList, IsThatOfTheSet_EdgeByEdge) {
+  for (uint32_t seed = 0; seed < scale_Cases(500); ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    std::mt19937_64 random(seed);
+    TSoup soup = seed % 2 == 0 ? make_Torn(random, 3 + seed % 6, seed % 5, 0.2)
+                               : make_Random(random, 4 + seed % 9, 5 + seed % 40, true);
+    const auto set = pick_Some(random, soup.tri.size(), 10 + seed % 80);
+    const auto count = static_cast<uint32_t>(soup.tri.size());
+    uint32_t step = 1 + static_cast<uint32_t>(random() % 100);
+    while (std::gcd(step, count) != 1) ++step;
+    ASSERT_EQ(list_Lst(soup, set, step), list_Set(soup, set));
+  }
+}
+
+TEST(BoundaryOfAList, OfNoTriangles_IsEmpty) {
+  TSoup soup = make_Tetrahedron();
+  TArr<T3DSGM> edges = {nullptr, 5};
+  EXPECT_EQ(bnd_Lst(soup.msh(), {nullptr, 0, 0}, nullptr, edges), 0);
+  EXPECT_EQ(edges.count, 0u);
+}
+
+TEST(BoundaryOfAList, TellsWhatIsMissing) {
+  TSoup soup = make_Tetrahedron();
+  std::vector<uint32_t> lst = {0}, number(4);
+  TArr<T3DSGM> edges;
+  EXPECT_EQ(bnd_Lst({soup.vtx.data(), 4, nullptr, 4}, view_Lst(lst), number.data(), edges), -1);
+  EXPECT_EQ(bnd_Lst({soup.vtx.data(), 4, soup.tri.data(), 0}, view_Lst(lst), number.data(), edges),
+            -2);
+  EXPECT_EQ(bnd_Lst(soup.msh(), {nullptr, 1, 1}, number.data(), edges), -3);
+}
+
+TEST(BoundaryOfAList, WithoutMemory_FailsAndLeavesNothing) {
+  TSoup soup = make_Fan(5);
+  std::vector<uint32_t> lst = {3, 1}, number(soup.vtx.size());
+  const auto codes = list_FailureCodes([&] {
+    Scoped<TArr<T3DSGM>> edges;
+    return bnd_Lst(soup.msh(), view_Lst(lst), number.data(), *edges);
+  });
+  EXPECT_EQ(codes, (std::vector<int32_t>{-4, 0}));
+  EXPECT_EQ(number, std::vector<uint32_t>(soup.vtx.size()));
+}
+
+TEST(BoundaryOfAList, CostsWhatTheListCosts) {
+  // A wheel whose hub has 200,000 triangles, taken one by one.
+  TSoup soup = make_Fan(200000);
+  std::vector<uint32_t> number(soup.vtx.size());
+  for (uint32_t t = 0; t < soup.tri.size(); ++t) {
+    std::vector<uint32_t> lst = {t};
+    Scoped<TArr<T3DSGM>> edges;
+    ASSERT_EQ(bnd_Lst(soup.msh(), view_Lst(lst), number.data(), *edges), 0);
+    ASSERT_EQ(edges->count, 3u);
   }
 }

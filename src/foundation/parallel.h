@@ -1,0 +1,68 @@
+// Loops over independent entries, shared out among the threads of OpenMP.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <new>
+
+#if defined(__SANITIZE_THREAD__)
+#define UNDERCUT_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define UNDERCUT_TSAN 1
+#endif
+#endif
+
+#ifdef UNDERCUT_TSAN
+extern "C" void __tsan_acquire(void* address);
+extern "C" void __tsan_release(void* address);
+#endif
+
+namespace undercut {
+
+// The order in which OpenMP starts and joins its threads, told to the thread sanitizer, which does
+// not see into the runtime and would take every hand-over for a race.
+class CThreadOrder {
+ public:
+#ifdef UNDERCUT_TSAN
+  CThreadOrder() { __tsan_release(&begin_); }
+  ~CThreadOrder() { __tsan_acquire(&end_); }
+  void begin() { __tsan_acquire(&begin_); }
+  void end() { __tsan_release(&end_); }
+
+ private:
+  char begin_ = 0, end_ = 0;
+#else
+  void begin() {}
+  void end() {}
+#endif
+};
+
+// body(i) for each i below the count, in contiguous runs, one for each thread; short loops stay on
+// the calling thread. An entry may write only what no other entry touches. Where an entry throws,
+// which it does for lack of memory alone, the others still run, and the calling thread throws
+// std::bad_alloc at the end.
+template <typename Body>
+void each_Index(uint32_t count, const Body& body) {
+  constexpr uint32_t kWorthThreads = 256;
+  std::atomic<bool> failed = false;
+  {
+    CThreadOrder order;
+#pragma omp parallel if (count >= kWorthThreads)
+    {
+      order.begin();
+#pragma omp for schedule(static)
+      for (int64_t i = 0; i < static_cast<int64_t>(count); ++i) {
+        try {
+          body(static_cast<uint32_t>(i));
+        } catch (...) {
+          failed.store(true, std::memory_order_relaxed);
+        }
+      }
+      order.end();
+    }
+  }
+  if (failed) throw std::bad_alloc();
+}
+
+}  // namespace undercut

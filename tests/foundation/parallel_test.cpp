@@ -1,0 +1,62 @@
+#include "foundation/parallel.h"
+
+#include <gtest/gtest.h>
+#include <omp.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+namespace undercut {
+namespace {
+
+class ParallelLoop : public testing::TestWithParam<int> {
+ protected:
+  ParallelLoop() { omp_set_num_threads(GetParam()); }
+  ~ParallelLoop() override { omp_set_num_threads(before_); }
+
+ private:
+  int before_ = omp_get_max_threads();
+};
+
+INSTANTIATE_TEST_SUITE_P(Threads, ParallelLoop, testing::Values(1, 2, 3, 4, 8, 16));
+
+TEST_P(ParallelLoop, VisitsEachIndexOnce) {
+  for (const uint32_t count : {0u, 1u, 255u, 256u, 1000u, 100003u}) {
+    std::vector<uint8_t> visits(count);
+    each_Index(count, [&](uint32_t i) { ++visits[i]; });
+    EXPECT_EQ(std::ranges::count(visits, 1), count);
+  }
+}
+
+TEST_P(ParallelLoop, SeesWhatWasWrittenBeforeAndShowsWhatItWroteAfter) {
+  std::vector<uint64_t> values(10000);
+  for (uint64_t round = 0; round < 50; ++round) {
+    std::iota(values.begin(), values.end(), round);
+    each_Index(10000, [&](uint32_t i) { values[i] *= 2; });
+    for (uint64_t i = 0; i < values.size(); ++i) ASSERT_EQ(values[i], 2 * (i + round));
+  }
+}
+
+TEST_P(ParallelLoop, AnEntryThatThrows_LeavesTheOthersTheirTurnAndEndsAsBadAlloc) {
+  std::vector<uint8_t> visits(1000);
+  const auto body = [&](uint32_t i) {
+    ++visits[i];
+    if (i % 400 == 7) throw 5;
+  };
+  EXPECT_THROW(each_Index(1000, body), std::bad_alloc);
+  EXPECT_EQ(std::ranges::count(visits, 1), 1000);
+}
+
+TEST(ParallelLoopOrder, EachThreadHasARunOfNeighbours_InRisingOrder) {
+  const int before = omp_get_max_threads();
+  omp_set_num_threads(4);
+  std::vector<int> thread(1000);
+  each_Index(1000, [&](uint32_t i) { thread[i] = omp_get_thread_num(); });
+  omp_set_num_threads(before);
+  EXPECT_TRUE(std::ranges::is_sorted(thread));
+  EXPECT_EQ(thread.back(), 3);
+}
+
+}  // namespace
+}  // namespace undercut
