@@ -46,7 +46,7 @@
 typedef struct TUcReq {
   T3DMSH msh;        /* 0: the mesh */
   TArrMsh msh_b;     /* 24: further meshes that shadow it */
-  TArrArrVec arg;    /* 36: closed curves for debug files, or an id list */
+  TArrArrVec arg;    /* 36: closed curves */
   TLstU32 roi;       /* 48: triangle indices */
   TArrU8 bit;        /* 64: byte mask, one byte for each triangle */
   TLstLstU32 cav;    /* 76: triangles of each region; the capacity is the number of regions */
@@ -164,7 +164,7 @@ UNDERCUT_API int32_t get_Roi(TLstU32* lst);
  * 0, or -1 for no memory. */
 UNDERCUT_API int32_t get_Shd(TLstU32* lst);
 
-/* ---- Computations ----------------------------------------------------------------------------*/
+/* ---- Undercut regions ------------------------------------------------------------------------*/
 
 /* Divides each region of interest of a mesh into undercut regions, each reachable along one axis.
  *
@@ -182,6 +182,143 @@ UNDERCUT_API int32_t get_Shd(TLstU32* lst);
  * over: -112 a frame file could not be opened, -143 a triangle could not be locked. A triangle
  * index out of range fails its region of interest. */
 UNDERCUT_API int32_t get_Dcm(const TUcReq* req, TUcRes* res);
+
+/* ---- Searches for the best axis ---------------------------------------------------------------
+ *
+ * A direction d is rated by what rays see along it: one starts from each triangle's centroid,
+ * lifted along its normal, and runs along d; the triangle is seen if it hits nothing. The Z axis
+ * of a frame that is handed out is the direction of the tool, so rays run along minus Z; its
+ * origin is the mean of the vertices, or the mean of the centroids of the region that was searched
+ * for. Triangles with two equal corners are not rated. With ucs_Sta set, each search prints a line
+ * on standard output: the number of ratings, the best rating, theta and phi.
+ *
+ * All give -4 no vertex array, -5 no triangle array, -6 no vertices, -7 no triangles; then
+ * UNDERCUT_BAD_VERTEX and UNDERCUT_BAD_TRIANGLE; UNDERCUT_NO_MEMORY for a search without memory. A
+ * list with a null pointer stands for the whole mesh; one with a pointer and a count of 0 is an
+ * empty region. A rating that is not a number is never the best. */
+
+/* The axis along whose two ends a three-axis machine reaches the most of the mesh: a scan of the
+ * sphere (nxn_*), then a downhill simplex (amo_*). Minimises minus the seen area in mm2, where a
+ * triangle counts with its true area times err_Gew and its projected area times 1 - err_Gew, once
+ * for each end that sees it. The lift is 0.001 mm. Z points to the side of the part where the seen
+ * surface lies. Fills frm_a. Further codes: -8 mesh not prepared (no memory), -12 no memory for
+ * the bits, -13 sight, -14 no frame. */
+UNDERCUT_API int32_t get_3ax(const TUcReq* req, TUcRes* res);
+
+/* The same without the scan: the simplex starts at theta = f_a, phi = f_b, degrees. */
+UNDERCUT_API int32_t get_Amo(const TUcReq* req, TUcRes* res);
+
+/* For each region of cav (its capacity is the number of regions) the best tilt between gcu_Th0 and
+ * gcu_Th1 in the plane of azimuth gcu_Phi: a scan of gcu_Dim intervals, or with gcu_Flg of as many
+ * as steps of gcu_Win ask for, 100,000 at the most; then a golden section round its best tilt,
+ * whose end is handed out, also where the scan had a better one. Minimises the blocked area of the
+ * region as a part of the area of the whole mesh, plus err_Gew times the sine of the angle between
+ * the direction and the mean normal of what is seen. The lift is ucs_Tol. Fills lst and n_lst.
+ * Further codes: -8 no regions, -9 their number is 0, -10 gcu_Th1 not above gcu_Th0, -11 gcu_Th0
+ * below -360, -12 gcu_Th1 above 360, -13 gcu_Phi below 0, -14 gcu_Phi above 180, -15 mesh not
+ * prepared, -16 gcu_Win not above 0, -17 fewer than 5 intervals, -18 no memory for the frames, -19
+ * no tilt has a rating. A limit that is not a number gives the code of the first check of it. */
+UNDERCUT_API int32_t get_4ay(const TUcReq* req, TUcRes* res);
+
+/* The best direction of the sphere for the mesh, or for the triangles of roi, or for those inside
+ * the closed curves of arg, which replace roi; a roi or arg with a count of 0 is none. A region is
+ * cut out: the rest of the mesh is no obstacle. Rating as get_4ay; scan and simplex as get_3ax, the
+ * scan in nxn_Box, which the simplex may leave. No code tells that nothing in the scan has a rating
+ * (an empty box, a mesh without area): the axis then means nothing; and where the simplex ends at
+ * angles that are not finite, the frame is the identity. Fills frm_b. Further codes: -9 curves that
+ * cut out nothing, -11 region not cut out, -12 region not prepared, -13 mesh not prepared. */
+UNDERCUT_API int32_t get_5ax(const TUcReq* req, TUcRes* res);
+
+/* For each region of cav (its capacity is the number of regions) the best direction within the
+ * window nxn_Box. Rating as get_4ay: the whole mesh is an obstacle. From the first region on whose
+ * start lies closer than amo_Dxy to the rim of the window, the best point of the scan is handed
+ * out without refinement, for the later regions too; call once for each region to avoid that.
+ * Fills lst and n_lst. Further codes: -8 no regions, -9 their number is 0, -10 window empty in
+ * theta, -11 in phi, -12 mesh not prepared, -13 no memory for the frames, -14 no theta has a
+ * rating, -15 no phi, -16 start outside the window. */
+UNDERCUT_API int32_t get_5ay(const TUcReq* req, TUcRes* res);
+
+/* ---- What a set of axes does not reach -------------------------------------------------------*/
+
+/* Which triangles of the mesh are seen along none of the axes axi: rays run from the centroids,
+ * lifted by ucs_Tol, along minus the Z axis of a frame that is made from each axis (for a zero
+ * direction along -Z). Fills ucs, a byte for each triangle: 1 for undercut, 0 for seen and for
+ * what roi does not list; a triangle with two equal corners inside roi counts as undercut. A null
+ * roi is the whole mesh; of one with as many entries as the mesh has triangles, those that it
+ * leaves out count as undercut. ucs_Dil above 0 lets each triangle grow by as much first.
+ * Codes: UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE; -5 no memory for the axes, -6 no frame; -13
+ * no memory for the bits; -15 triangles not grown, -16 no tree over them, -17 no tree over the
+ * mesh, both with an empty mesh among the causes; -18 no memory for the result. */
+UNDERCUT_API int32_t get_UCs(const TUcReq* req, TUcRes* res);
+
+/* Which triangles of the registered mesh are blocked by the mesh msh_c at some pose of a tool that
+ * follows a corridor: for each axis of axi the band of width con_Wid round the plane through ray
+ * that holds both directions (the band is narrower by the sine of the angle between them; parallel
+ * directions take everything). Fills ucs, a byte for each triangle of the registered mesh. Codes:
+ * -1 to -4 registered mesh without vertex array, triangle array, vertices, triangles; -5 to -8
+ * likewise msh_c; -9 no axes; -10 the direction of ray is zero; -11 to -14 lists or bits of the
+ * registered mesh are missing or of another size; UNDERCUT_BAD_VERTEX; -16 no tree over msh_c; -17
+ * no memory for the result. */
+UNDERCUT_API int32_t get_UCd(const TUcReq* req, TUcRes* res);
+
+/* The triangles in the corridor of the last axis that msh_c blocks at every pose. Stores a view of
+ * the list of selected triangles (a TLstU32) at the start of frm_a: it stays the library's, valid
+ * until the next call that selects, and is never to be freed. Codes as get_UCd to -11, then -12 to
+ * -18 lists or bits missing or of another size, UNDERCUT_BAD_VERTEX, -19 no tree over msh_c. */
+UNDERCUT_API int32_t get_UCc(const TUcReq* req, TUcRes* res);
+
+/* ---- How deep the undercuts are --------------------------------------------------------------*/
+
+/* How far under an overhang each triangle of the mesh lies, in mm: the distance, across the axis,
+ * from its centroid to the rim of the connected patch of triangles that the axis does not see; the
+ * smallest over all axes of axi. Fills dfi, a double for each triangle: 0 where some axis sees it
+ * and outside the selection (roi and the inside of the closed curves arg; none of both:
+ * everything; a roi with a count of 0: nothing; an arg with a count of 0 is none),
+ * 1.7976931348623157e+308 for no answer: a triangle with two equal corners, or a patch without a
+ * rim. The rim of a patch is its border, less what lies on the mesh's own open border; one edge is
+ * left in any case. Triangles that an earlier axis sees belong to no patch of a later one.
+ *
+ * Rays as get_UCs, ucs_Dil too. ucs_Eps above 0 merges vertices that are no farther apart before
+ * patches are formed. ucs_Srf above 0 gives 0 to each patch whose rated area is not above it: the
+ * number of its triangles times the area of the mesh's triangle k, for patch k of the axis. ucs_Off
+ * is the slack of the search for the rim; below 0 it may miss the rim, which gives no answer and a
+ * line on standard error.
+ *
+ * Codes: UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE (any index in roi where the mesh is empty); -5
+ * no memory for the axes, -6 no frame; -7 roi, -8 curves not turned to bits; -12 to -16 no memory
+ * for the bits, -12 also for an empty mesh without roi and arg; -17, -18 no memory for the values,
+ * -19 for the queue; -20 triangles not grown, -21 no tree over them; -22 no tree over the mesh; -23
+ * vertices not merged; -24, -25 adjacency; -26 open border; -27, -28 patches; -29 border of a
+ * patch, -30 its polyline, -31 its projection, -32 the tree over its rim; -33 to -37 steps of the
+ * search through a patch. */
+UNDERCUT_API int32_t get_dFi(const TUcReq* req, TUcRes* res);
+
+/* The same for a mesh and the shadow of further meshes msh_b on it, which are joined into one. Each
+ * axis stands for itself: a triangle that the mesh hides has its distance from the rim of its own
+ * patch, one that the joined mesh hides has its distance from the rim of all that the joined mesh
+ * hides of itself, one hidden by both has the greater of the two, one hidden by neither has 0. The
+ * smallest over all axes is stored. ucs_Dil, ucs_Eps and ucs_Srf have no effect here.
+ *
+ * ucs_Rti prints the run and its time; ucs_Sta prints for each axis how many triangles of the mesh
+ * are seen, hidden by the mesh and hidden by the joined mesh; ucs_Dbg writes D:/msh.stl, D:/sum.stl
+ * and D:/dFi.ply, where a folder "D:" takes them, the last with a colour for each face (ucs_pCl 0)
+ * or for each vertex, of mode ucs_iCl over the range ucs_Lef to ucs_Rig.
+ *
+ * Codes: UNDERCUT_BAD_VERTEX (also in msh_b), UNDERCUT_BAD_TRIANGLE; -5 to -8 as get_dFi; -9 the
+ * meshes not joined: no triangles in msh_b, more than 2^32 - 1 vertices or triangles, or no memory;
+ * -10 no tree over the mesh, an empty mesh among the causes (with roi or arg that is -7 or -8); -11
+ * no tree over the joined mesh; -12 to -21 no memory for bits: hidden and seen by the mesh (-12,
+ * -13) and by the joined mesh (-14, -15), the joined mesh hidden and seen by itself (-16, -17), the
+ * triangles to be cleared (-18), a patch (-19), the open borders of the mesh (-20) and of the
+ * joined mesh (-21); -22 to -24 no memory for the values, -25 for the queue; -26, -27 adjacency of
+ * the mesh, -28 its open border; -29 adjacency of the joined mesh, -30 its open border; -31 border
+ * of what is hidden of the joined mesh, -32 its polyline, -33 its projection, -34 the tree over its
+ * rim; -35 patches that the joined mesh hides, -36 to -40 steps of the search through them; -41
+ * patches that the mesh hides, -42 border of a patch, -43 its polyline, -44 its projection, -45 the
+ * tree over its rim, -46 to -50 steps of the search through it. */
+UNDERCUT_API int32_t get_dFb(const TUcReq* req, TUcRes* res);
+
+/* ---- Sums ------------------------------------------------------------------------------------*/
 
 /* For each region of cav: the sum of its triangle areas, and the largest value of `add` in it.
  * Triangles with two equal corners are passed over, and so are values that are not a number; where

@@ -79,11 +79,59 @@ void print_Stc(bodies::TBody& body) {
   clr_Res(&res);
 }
 
+void print_Hash(const char* name, int32_t status, const void* bytes, size_t size) {
+  Hash hash;
+  if (status == 0) hash.add(bytes, size);
+  std::printf("%-24s status %d, %016llx\n", name, status, hash.value());
+}
+
+// Axes, undercut and depth, along three axes and with the ball's lower half as a region.
+void print_Undercut(bodies::TBody& body, bodies::TBody& other) {
+  std::vector<uint32_t> half(body.triangles.size() / 2);
+  std::iota(half.begin(), half.end(), 0u);
+  const auto n = static_cast<uint32_t>(half.size());
+  TLstU32 cav[] = {{half.data(), n, n}, {nullptr, 0, 0}};
+  T3DRAY axes[] = {
+      {{0, 0, 0}, {0, 0.25, 1}}, {{0, 0, 0}, {-1, 0.5, 0.125}}, {{0, 0, 0}, {0, 0, 0}}};
+  T3DMSH others[] = {other.view()};
+  TUcReq req;
+  ini_Req(&req);
+  req.msh = body.view();
+  req.cav = {cav, 2, 2};
+  req.axi = {axes, 3};
+  req.msh_b = {others, 1};
+  req.f_a = 50.0;
+  req.f_b = 20.0;
+  const auto print = [&](const char* name, int32_t (*computation)(const TUcReq*, TUcRes*),
+                         auto bytes, size_t size) {
+    TUcRes res;
+    ini_Res(&res);
+    const int32_t status = computation(&req, &res);
+    print_Hash(name, status, bytes(res), size);
+    clr_Res(&res);
+  };
+  const auto frm_a = [](const TUcRes& res) { return &res.frm_a; };
+  const auto frm_b = [](const TUcRes& res) { return &res.frm_b; };
+  const auto lst = [](const TUcRes& res) { return res.lst; };
+  const auto ucs = [](const TUcRes& res) { return res.ucs; };
+  const auto dfi = [](const TUcRes& res) { return res.dfi; };
+  const size_t n_tri = body.triangles.size();
+  print("three axes", get_3ax, frm_a, sizeof(T3DFRM));
+  print("three axes, from a start", get_Amo, frm_a, sizeof(T3DFRM));
+  print("four axes", get_4ay, lst, 2 * sizeof(T3DFRM));
+  print("five axes", get_5ax, frm_b, sizeof(T3DFRM));
+  print("five axes, window", get_5ay, lst, 2 * sizeof(T3DFRM));
+  print("undercut", get_UCs, ucs, n_tri);
+  print("depth", get_dFi, dfi, n_tri * sizeof(double));
+  print("depth, shadow of another", get_dFb, dfi, n_tri * sizeof(double));
+}
+
 }  // namespace
 
 int main() {
   bodies::TBody ring = bodies::make_Ring(8000), ball = bodies::make_Ball(6000);
   print_Stc(ring);
+  print_Undercut(ball, ring);
   set<uint32_t>(dcm_Con, 3);
   print_Dcm("ring", ring);
   print_Dcm("ball", ball);

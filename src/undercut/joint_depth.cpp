@@ -1,0 +1,293 @@
+// Undercut depth field of a mesh that shadows itself and that further meshes, joined into one,
+// shadow too. Lengths in mm.
+//
+// All axes are classified first; they are independent of one another, unlike those of a mesh alone.
+// On each axis every triangle has up to two distances: from the rim of its own patch, and from the
+// rim of what the joined mesh hides of itself. Where both shadow it, the deeper one decides; the
+// smallest value over all axes stays.
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "files/progress.h"
+#include "files/writers.h"
+#include "interface/parameters.h"
+#include "mesh/boundary.h"
+#include "mesh/components.h"
+#include "mesh/sight.h"
+#include "undercut/depth_flood.h"
+#include "undercut/depth_request.h"
+#include "undercut/joined_mesh.h"
+#include "undercut/selection.h"
+
+namespace undercut {
+
+namespace {
+
+// What rays along one axis find. A triangle with two equal corners is in no set.
+struct TShadows {
+  CBitVector own_hit, own_vis;  // over the mesh, by itself
+  CBitVector add_hit, add_vis;  // over the mesh, by the joined mesh
+  CBitVector sum_hit, sum_vis;  // over the joined mesh, by itself
+};
+
+// The label of the run and, however it ends, its time.
+class CRunLine {
+ public:
+  explicit CRunLine(bool on) : on_(on) {
+    char label[kNameSize];
+    fmt_Name(label, "%-50s", "calculate :: dFi of UC(msh,add)");
+    if (on_) tim_Beg(timer_, label);
+  }
+  ~CRunLine() {
+    if (on_) tim_End(timer_);
+  }
+  CRunLine(const CRunLine&) = delete;
+  CRunLine& operator=(const CRunLine&) = delete;
+
+ private:
+  CTimer timer_;
+  bool on_;
+};
+
+class CJointDepth {
+ public:
+  CJointDepth(CallFrame& frame, const CUCsPar& par, const TDepthInput& in)
+      : frame_(frame), par_(par), in_(in), msh_(in.msh) {}
+
+  void begin() {
+    need_Axes(frame_, in_, *axes_);
+    need_Selection(frame_, in_, sel_);
+  }
+  void join();
+  void build_Trees();
+  void size_Sets();
+  void build_Adjacency();
+  void classify_Axes();
+  void rate_Axes();
+  double* finish();
+
+ private:
+  void cast(const C3DTriAABBTree& tree, const T3DMSH& msh, const T3DFRM& frm, CBitVector& hit,
+            CBitVector& vis);
+  void print_Counts(uint32_t axis) const;
+  void flood_Added(const TShadows& shadows, const T3DFRM& frm);
+  void flood_Own(const TShadows& shadows, const T3DFRM& frm);
+  int32_t spread_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm, CRim& rim, double* rho);
+  void combine(const TShadows& shadows);
+
+  CallFrame& frame_;
+  const CUCsPar& par_;
+  const TDepthInput& in_;
+  const T3DMSH msh_;
+  Scoped<T3DMSH> sum_;
+  Scoped<TArr<T3DMAT>> axes_;
+  C3DTriAABBTree msh_tree_, sum_tree_;
+  CBitVector sel_;
+  std::unique_ptr<TShadows[]> shadows_;  // by axis
+  CBitVector clear_;                     // free of both shadows along some axis
+  CBitVector waiting_;                   // the working set of one patch
+  CBitVector msh_ends_, sum_ends_;       // by vertex: ends of the open borders
+  Scoped<TArr<double>> dfi_, rho_add_, rho_own_;
+  TNodePool<CQueue::Node> pool_;  // before the queue, which gives its nodes back
+  CQueue queue_;
+  Scoped<TAdj> vtx_tri_, tri_tri_, sum_vtx_tri_;
+  Scoped<TArr<uint8_t>> sight_;
+  Scoped<TArr<uint32_t>> number_;  // for bnd_Lst
+};
+
+T3DFRM get_Frame(const T3DMAT& mat) {
+  T3DFRM frm;
+  mat_ToFrm(mat, frm);
+  return frm;
+}
+
+void CJointDepth::join() {
+  frame_.need(join_Meshes(in_.shadows, *sum_), -9);
+  if (!par_.b_dbg) return;
+  stl_Msh("D:/msh.stl", msh_);
+  stl_Msh("D:/sum.stl", *sum_);
+}
+
+// An empty mesh ends here.
+void CJointDepth::build_Trees() {
+  frame_.need(msh_tree_.Build(msh_), -10);
+  frame_.need(sum_tree_.Build(*sum_), -11);
+}
+
+void CJointDepth::size_Sets() {
+  const uint32_t n_tri = msh_.n_tri, n_sum = sum_->n_tri;
+  shadows_.reset(new (std::nothrow) TShadows[axes_->count]);
+  frame_.need(shadows_ != nullptr, -12);
+  for (uint32_t k = 0; k < axes_->count; ++k) {
+    TShadows& shadows = shadows_[k];
+    frame_.need(shadows.own_hit.init(n_tri), -12);
+    frame_.need(shadows.own_vis.init(n_tri), -13);
+    frame_.need(shadows.add_hit.init(n_tri), -14);
+    frame_.need(shadows.add_vis.init(n_tri), -15);
+    frame_.need(shadows.sum_hit.init(n_sum), -16);
+    frame_.need(shadows.sum_vis.init(n_sum), -17);
+  }
+  frame_.need(clear_.init(n_tri), -18);
+  frame_.need(waiting_.init(n_tri), -19);
+  frame_.need(msh_ends_.init(msh_.n_vtx), -20);
+  frame_.need(sum_ends_.init(sum_->n_vtx), -21);
+  frame_.need(alloc(*dfi_, n_tri), -22);
+  frame_.need(alloc(*rho_add_, n_tri), -23);
+  frame_.need(alloc(*rho_own_, n_tri), -24);
+  frame_.need(n_tri <= INT32_MAX && pool_.init(static_cast<int32_t>(n_tri)), -25);
+  queue_.SetPool(&pool_);
+}
+
+void CJointDepth::build_Adjacency() {
+  frame_.need(adj_VtxTri(msh_, *vtx_tri_) == 0, -26);
+  frame_.need(adj_TriTri(msh_, *vtx_tri_, *tri_tri_) == 0, -27);
+  frame_.need(mark_Open(msh_, *vtx_tri_, msh_ends_), -28);
+  frame_.need(adj_VtxTri(*sum_, *sum_vtx_tri_) == 0, -29);
+  frame_.need(mark_Open(*sum_, *sum_vtx_tri_, sum_ends_), -30);
+}
+
+// Each triangle of `msh` against the tree, along minus Z.
+void CJointDepth::cast(const C3DTriAABBTree& tree, const T3DMSH& msh, const T3DFRM& frm,
+                       CBitVector& hit, CBitVector& vis) {
+  see_Along(tree, {msh, par_.f_tol}, -frm.z, Ways::kAhead, nullptr, msh.n_tri, sight_->data);
+  for (uint32_t t = 0; t < msh.n_tri; ++t) {
+    if (sight_->data[t] & kSeesAhead)
+      vis.set(t);
+    else if (!(sight_->data[t] & kNoRay))
+      hit.set(t);
+  }
+}
+
+void CJointDepth::print_Counts(uint32_t axis) const {
+  const TShadows& shadows = shadows_[axis];
+  uint32_t seen = 0, own = 0, add = 0;
+  for (uint32_t t = 0; t < msh_.n_tri; ++t) {
+    seen += shadows.own_vis.test(t) && shadows.add_vis.test(t);
+    own += shadows.own_hit.test(t);
+    add += shadows.add_hit.test(t);
+  }
+  std::printf("axis %u :: seen %u, hit by own %u, hit by added %u\n", axis, seen, own, add);
+}
+
+void CJointDepth::classify_Axes() {
+  frame_.at(UNDERCUT_NO_MEMORY);
+  const bool sized =
+      alloc(*sight_, std::max(msh_.n_tri, sum_->n_tri)) && alloc(*number_, msh_.n_vtx);
+  frame_.need(sized, UNDERCUT_NO_MEMORY);
+  for (uint32_t k = 0; k < axes_->count; ++k) {
+    const T3DFRM frm = get_Frame(axes_->data[k]);
+    TShadows& shadows = shadows_[k];
+    cast(msh_tree_, msh_, frm, shadows.own_hit, shadows.own_vis);
+    cast(sum_tree_, msh_, frm, shadows.add_hit, shadows.add_vis);
+    cast(sum_tree_, *sum_, frm, shadows.sum_hit, shadows.sum_vis);
+    if (par_.b_sta) print_Counts(k);
+  }
+}
+
+void CJointDepth::rate_Axes() {
+  std::fill_n(dfi_->data, dfi_->count, kAbsent);
+  for (uint32_t k = 0; k < axes_->count; ++k) {
+    const T3DFRM frm = get_Frame(axes_->data[k]);
+    std::fill_n(rho_add_->data, rho_add_->count, kAbsent);
+    std::fill_n(rho_own_->data, rho_own_->count, kAbsent);
+    flood_Added(shadows_[k], frm);
+    flood_Own(shadows_[k], frm);
+    combine(shadows_[k]);
+  }
+}
+
+// The code of flood_Depth.
+int32_t CJointDepth::spread_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm, CRim& rim,
+                                  double* rho) {
+  for (uint32_t i = 0; i < patch.count; ++i) waiting_.set(patch.data[i]);
+  const TFlood flood = {msh_, *tri_tri_, frm, par_.f_off, waiting_, queue_, rho};
+  return flood_Depth(flood, rim, patch);
+}
+
+// One rim for all that the joined mesh hides of itself.
+void CJointDepth::flood_Added(const TShadows& shadows, const T3DFRM& frm) {
+  Scoped<TArr<T3DSGM>> border;
+  frame_.need(bnd_Set(*sum_, *sum_vtx_tri_, shadows.sum_hit, *border) == 0, -31);
+  if (border->count == 0) return;
+  drop_Open(*border, sum_ends_);
+  CRim rim;
+  const int32_t built = rim.Build(*sum_, *border, frm);
+  frame_.need(built == 0, -31 + built);
+  Scoped<TLst<TLst<uint32_t>>> patches;
+  frame_.need(cmp_Adj(msh_, *tri_tri_, shadows.add_hit, *patches), -35);
+  for (uint32_t j = 0; j < patches->count; ++j) {
+    const int32_t flooded = spread_Patch(patches->data[j], frm, rim, rho_add_->data);
+    frame_.need(flooded == 0, -35 + flooded);
+  }
+}
+
+void CJointDepth::flood_Own(const TShadows& shadows, const T3DFRM& frm) {
+  Scoped<TLst<TLst<uint32_t>>> patches;
+  frame_.need(cmp_Adj(msh_, *tri_tri_, shadows.own_hit, *patches), -41);
+  for (uint32_t j = 0; j < patches->count; ++j) {
+    Scoped<TArr<T3DSGM>> border;
+    frame_.need(bnd_Lst(msh_, patches->data[j], number_->data, *border) == 0, -42);
+    if (border->count == 0) continue;
+    drop_Open(*border, msh_ends_);
+    CRim rim;
+    const int32_t built = rim.Build(msh_, *border, frm);
+    frame_.need(built == 0, -42 + built);
+    const int32_t flooded = spread_Patch(patches->data[j], frm, rim, rho_own_->data);
+    frame_.need(flooded == 0, -45 + flooded);
+  }
+}
+
+void CJointDepth::combine(const TShadows& shadows) {
+  for (uint32_t t = 0; t < msh_.n_tri; ++t) {
+    const bool own = shadows.own_hit.test(t), add = shadows.add_hit.test(t);
+    double& depth = dfi_->data[t];
+    if (own && add)
+      depth = std::min(depth, std::max(rho_add_->data[t], rho_own_->data[t]));
+    else if (own)
+      depth = std::min(depth, rho_own_->data[t]);
+    else if (add)
+      depth = std::min(depth, rho_add_->data[t]);
+    else if (shadows.own_vis.test(t) && shadows.add_vis.test(t))
+      clear_.set(t);
+  }
+}
+
+double* CJointDepth::finish() {
+  for (uint32_t t = 0; t < msh_.n_tri; ++t)
+    if (clear_.test(t)) dfi_->data[t] = 0.0;
+  clear_Outside(sel_, *dfi_);
+  if (par_.b_dbg) {
+    const T2DVEC range = {par_.l_ivl, par_.r_ivl};
+    const auto mode = static_cast<int32_t>(par_.i_col);
+    if (par_.p_col == 0)
+      ply_Rng("D:/dFi.ply", msh_, range.x, range.y, dfi_->data, mode);
+    else
+      ply_Vtx("D:/dFi.ply", msh_, *vtx_tri_, range, dfi_->data, mode);
+  }
+  return dfi_.take().data;
+}
+
+}  // namespace
+
+}  // namespace undercut
+
+int32_t get_dFb(const TUcReq* req, TUcRes* res) {
+  using namespace undercut;
+  return run_Call([&](CallFrame& frame) {
+    const CUCsPar par = g_UCs;
+    const TDepthInput in = read_Depth(req, res);
+    need_Indices(frame, in);
+
+    const CRunLine line(par.b_rti);
+    CJointDepth field(frame, par, in);
+    field.begin();
+    field.join();
+    field.build_Trees();
+    field.size_Sets();
+    field.build_Adjacency();
+    field.classify_Axes();
+    field.rate_Axes();
+    res->dfi = field.finish();
+  });
+}
