@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Renders a coloured PLY of `undercut decompose` to a PNG, for the documents.
+"""Renders coloured PLYs of `undercut` side by side to a PNG, for the documents.
 
-    undercut decompose examples/spot.stl --set n_con=3 -o regions
-    docs/make_picture.py regions/regions.ply docs/regions.png
+    ./undercut demo
+    docs/make_picture.py demo/depth.ply demo/regions.ply docs/regions.png
 
-Needs numpy and Pillow. Parallel projection, a z-buffer, one light.
+Needs numpy and Pillow. Parallel projection, a z-buffer, one light; the file's Y is up.
 """
 import sys
 
@@ -12,6 +12,8 @@ import numpy as np
 from PIL import Image
 
 SIZE, SCALE = 900, 2  # pixels, and samples along each side of one
+AZIMUTH, HEIGHT = -40, -25  # of the eye, degrees
+DARK, LIGHT = 90, 225  # what is in no region of interest is drawn light
 
 
 def read_ply(path):
@@ -20,9 +22,11 @@ def read_ply(path):
     lines = head.decode().splitlines()
     counts = [int(line.split()[2]) for line in lines if line.startswith("element")]
     points = np.frombuffer(body, "<f8", 3 * counts[0]).reshape(-1, 3)
-    face = np.dtype([("n", "u1"), ("v", "<i4", 3), ("rgb", "u1", 3), ("region", "<i4")])
+    value = "<f8" if lines[-1].startswith("property double") else "<i4"
+    face = np.dtype([("n", "u1"), ("v", "<i4", 3), ("rgb", "u1", 3), ("value", value)])
     faces = np.frombuffer(body, face, counts[1], points.nbytes)
-    return points, faces["v"], faces["rgb"]
+    colours = np.where(np.all(faces["rgb"] == DARK, axis=1)[:, None], LIGHT, faces["rgb"])
+    return points[:, [2, 0, 1]], faces["v"], colours
 
 
 def view(azimuth, height):
@@ -67,12 +71,12 @@ def render(points, faces, colours, turn):
 
 
 def main():
-    points, faces, colours = read_ply(sys.argv[1])
-    pictures = [render(points, faces, colours, view(*angles)) for angles in ((35, 25), (215, 25))]
-    wide = Image.new("RGB", (2 * SIZE, SIZE), "white")
+    *parts, target = sys.argv[1:]
+    pictures = [render(*read_ply(part), view(AZIMUTH, HEIGHT)) for part in parts]
+    wide = Image.new("RGB", (len(parts) * SIZE, SIZE), "white")
     for k, picture in enumerate(pictures):
         wide.paste(picture, (k * SIZE, 0))
-    wide.resize((SIZE, SIZE // 2), Image.LANCZOS).save(sys.argv[2], optimize=True)
+    wide.resize((SIZE, SIZE // len(parts)), Image.LANCZOS).save(target, optimize=True)
 
 
 main()

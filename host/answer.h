@@ -1,9 +1,11 @@
 // What the command answers: the library's regions in terms of the file's triangles and coordinates.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "find_rois.h"
 #include "ladder.h"
 #include "part.h"
 #include "prepare.h"
@@ -38,6 +40,7 @@ struct RoiAnswer {
 };
 
 struct Answer {
+  std::optional<Search> search;  // none where the user named the regions of interest
   std::vector<RoiAnswer> rois;
   std::vector<int32_t> region_of;  // by triangle: number, 0 free, -1 in no region of interest
   std::vector<StageTime> times;

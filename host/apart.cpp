@@ -23,15 +23,7 @@ void join_Apart(const Mesh& mesh, const std::vector<uint32_t>& apart,
   for (const uint32_t triangle : apart) is_Apart[triangle] = true;
 
   const std::vector<EdgeUse> uses = list_Edges(mesh);
-  Groups groups(mesh.triangles.size());
-  for_Edges(uses, [&](size_t start, size_t end) {
-    const EdgeUse* first = nullptr;
-    for (size_t i = start; i < end; ++i) {
-      if (!is_Apart[uses[i].triangle()]) continue;
-      if (first != nullptr) groups.join(first->triangle(), uses[i].triangle());
-      first = &uses[i];
-    }
-  });
+  Groups groups = join_Marked(uses, is_Apart);
   std::vector<int32_t> around(mesh.triangles.size(), kUnknown);
   for_Edges(uses, [&](size_t start, size_t end) {
     int32_t group = -1;

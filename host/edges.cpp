@@ -39,4 +39,17 @@ void Groups::join(uint32_t a, uint32_t b) {
   leader_[std::max(a, b)] = std::min(a, b);
 }
 
+Groups join_Marked(const std::vector<EdgeUse>& uses, const std::vector<bool>& marked) {
+  Groups groups(marked.size());
+  for_Edges(uses, [&](size_t start, size_t end) {
+    const EdgeUse* first = nullptr;
+    for (size_t i = start; i < end; ++i) {
+      if (!marked[uses[i].triangle()]) continue;
+      if (first != nullptr) groups.join(first->triangle(), uses[i].triangle());
+      first = &uses[i];
+    }
+  });
+  return groups;
+}
+
 }  // namespace undercut::host

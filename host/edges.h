@@ -44,4 +44,7 @@ class Groups {
   std::vector<uint32_t> leader_;
 };
 
+// Groups of the marked triangles: those that share an edge are together.
+Groups join_Marked(const std::vector<EdgeUse>& uses, const std::vector<bool>& marked);
+
 }  // namespace undercut::host

@@ -1,32 +1,11 @@
 // The keys are told in docs/json.md. Their order is fixed.
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-
+#include "json_parts.h"
 #include "report.h"
 
 namespace undercut::host {
 namespace {
-
-// Adding 0.0 turns -0.0 into 0.0.
-Json show_Vec(const T3DVEC& v) { return Json::array({v.x + 0.0, v.y + 0.0, v.z + 0.0}); }
-
-Json show_Setting(const Value& value) {
-  return std::visit([](const auto& v) { return Json(v); }, value);
-}
-
-double find_Share(double part, double whole) { return whole > 0.0 ? part / whole : 0.0; }
-
-Json show_Input(const Part& part) {
-  double area = 0.0;
-  for (uint32_t i = 0; i < part.mesh.triangles.size(); ++i) area += area_Tri(part.mesh, i);
-  return {{"path", part.path},
-          {"triangles", part.mesh.triangles.size()},
-          {"vertices", part.mesh.vertices.size()},
-          {"welded", part.welded},
-          {"area", area},
-          {"degenerate", part.degenerate}};
-}
 
 Json show_Preparation(const DecomposeOptions& options) {
   const PrepareRules& rules = options.prepare;
@@ -41,17 +20,32 @@ Json show_Preparation(const DecomposeOptions& options) {
   return json;
 }
 
+Json show_Search(const Answer& answer) {
+  if (!answer.search) return nullptr;
+  const Search& search = *answer.search;
+  return {{"axis", show_Vec(search.axis)},
+          {"found_by", search.from_face ? "flat faces" : "get_3ax"},
+          {"seen", search.seen()},
+          {"undercut",
+           {{"count", search.triangles},
+            {"area", search.undercut},
+            {"covered", find_Share(answer.covered, search.undercut)}}},
+          {"min_area", search.min_area},
+          {"patches", search.patches.size()},
+          {"dropped",
+           {{"patches", search.dropped},
+            {"count", search.dropped_triangles.size()},
+            {"area", search.dropped_area},
+            {"triangles", search.dropped_triangles}}}};
+}
+
 Json show_Region(const Region& region) {
   return {{"number", region.number},
           {"count", region.triangles.size()},
           {"area", region.area},
           {"axis", show_Vec(region.axis)},
           {"centre", show_Vec(region.centre)},
-          {"frame",
-           {{"x", show_Vec(region.frame.x)},
-            {"y", show_Vec(region.frame.y)},
-            {"z", show_Vec(region.frame.z)},
-            {"origin", show_Vec(region.frame.org)}}},
+          {"frame", show_Frame(region.frame)},
           {"aperture", region.aperture},
           {"triangles", region.triangles}};
 }
@@ -70,10 +64,15 @@ const char* name_Tilt(Tilt tilt) {
 }
 
 Json show_Note(const CallNote& note) {
-  return {{"call", note.call},         {"aperture", note.aperture},
-          {"position", note.position}, {"tilt", name_Tilt(note.tilt)},
-          {"patches", note.patches},   {"triangles", note.triangles},
-          {"failed", note.failed},     {"first", note.first},
+  return {{"call", note.call},
+          {"aperture", note.aperture},
+          {"position", note.position},
+          {"tilt", name_Tilt(note.tilt)},
+          {"keep_small", note.keep_small},
+          {"patches", note.patches},
+          {"triangles", note.triangles},
+          {"failed", note.failed},
+          {"first", note.first},
           {"second", note.second}};
 }
 
@@ -103,34 +102,9 @@ Json show_Roi(const RoiAnswer& roi, size_t index, const Part& part) {
           {"free", {{"count", roi.free.size()}, {"area", free_area}, {"triangles", roi.free}}}};
 }
 
-std::string dump_Plain(const Json& json) {
-  return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
-void print_Value(const Json& json, const std::string& margin, std::string& text) {
-  const bool nested =
-      std::any_of(json.begin(), json.end(), [](const Json& item) { return item.is_structured(); });
-  if (!nested) {
-    text += dump_Plain(json);
-    return;
-  }
-  const std::string inner = margin + "  ";
-  text += json.is_object() ? "{" : "[";
-  bool first = true;
-  for (auto item = json.begin(); item != json.end(); ++item) {
-    text += (first ? "\n" : ",\n") + inner;
-    first = false;
-    if (json.is_object()) text += dump_Plain(Json(item.key())) + ": ";
-    print_Value(*item, inner, text);
-  }
-  text += "\n" + margin + (json.is_object() ? "}" : "]");
-}
-
 }  // namespace
 
 Json make_Json(const Part& part, const DecomposeOptions& options, const Answer& answer) {
-  Json parameters = Json::object();
-  for (const Setting& s : options.settings) parameters[s.parameter->name()] = show_Setting(s.value);
   Json rois = Json::array();
   for (size_t i = 0; i < answer.rois.size(); ++i) {
     rois.push_back(show_Roi(answer.rois[i], i, part));
@@ -140,11 +114,12 @@ Json make_Json(const Part& part, const DecomposeOptions& options, const Answer& 
     stages.push_back({{"stage", time.stage}, {"ms", time.ms}, {"runs", time.runs}});
   }
   return {{"schema", kSchema},
-          {"program", {{"name", "undercut"}, {"version", UNDERCUT_VERSION}}},
-          {"units", {{"length", "mm"}, {"area", "mm2"}, {"angle", "deg"}, {"time", "ms"}}},
+          {"program", show_Program()},
+          {"units", show_Units()},
           {"input", show_Input(part)},
+          {"search", show_Search(answer)},
           {"preparation", show_Preparation(options)},
-          {"parameters", std::move(parameters)},
+          {"parameters", show_Settings(options.settings)},
           {"status", answer.failed() ? "failed" : "done"},
           {"library_status", answer.status},
           {"calls", answer.calls},
@@ -154,12 +129,6 @@ Json make_Json(const Part& part, const DecomposeOptions& options, const Answer& 
           {"regions_of_interest", std::move(rois)},
           {"elapsed", answer.elapsed_ms},
           {"stages", std::move(stages)}};
-}
-
-std::string print_Json(const Json& json) {
-  std::string text;
-  print_Value(json, "", text);
-  return text + "\n";
 }
 
 Json make_ParametersJson() {

@@ -25,8 +25,8 @@ void note_Call(Climb& climb, const std::vector<Patch>& patches, const Rung& rung
     const auto same = [&](const CallNote& n) { return n.roi == patches[i].roi; };
     auto note = std::find_if(notes.begin(), notes.end(), same);
     if (note == notes.end()) {
-      notes.push_back(
-          {climb.calls, patches[i].roi, rung.aperture, rung.position, rung.tilt, 0, 0, 0, 0, 0});
+      notes.push_back({climb.calls, patches[i].roi, rung.aperture, rung.position, rung.tilt,
+                       rung.keep_small, 0, 0, 0, 0, 0});
       note = std::prev(notes.end());
     }
     ++note->patches;
@@ -150,10 +150,20 @@ std::vector<Patch> list_Free(const Climb& climb) {
   return patches;
 }
 
+// Of these patches those whose region of interest has no region.
+std::vector<Patch> list_Bare(const Climb& climb, std::vector<Patch> patches) {
+  std::set<uint32_t> found;
+  for (const Settled& settled : climb.settled) {
+    if (!settled.regions.empty()) found.insert(settled.patch.roi);
+  }
+  std::erase_if(patches, [&](const Patch& patch) { return found.contains(patch.roi); });
+  return patches;
+}
+
 }  // namespace
 
-LadderRules make_Ladder(double aperture, size_t triangles) {
-  LadderRules rules{{}, {{aperture, 0, true}}, {}, kMostHalvings};
+LadderRules make_Ladder(double aperture, size_t triangles, bool bare) {
+  LadderRules rules{{}, {{aperture, 0, true}}, {}, {}, kMostHalvings};
   const auto fewer = static_cast<uint32_t>(triangles / kFullTries + 1);
   const auto add_Tries = [&](double rung, uint32_t tries) {
     for (uint32_t position = 0; position < (tries + fewer - 1) / fewer; ++position)
@@ -166,10 +176,11 @@ LadderRules make_Ladder(double aperture, size_t triangles) {
     if (rung < aperture) rules.rungs.push_back({rung, 0, true});
   for (const Tilt tilt : {Tilt::kLow, Tilt::kHigh, Tilt::kMiddle})
     rules.rest.push_back({aperture, 0, true, tilt});
+  if (bare) rules.bare.push_back({aperture, 0, true, Tilt::kBand, true});
   return rules;
 }
 
-LadderRules make_Plain(double aperture) { return {{}, {{aperture, 0, false}}, {}, 0}; }
+LadderRules make_Plain(double aperture) { return {{}, {{aperture, 0, false}}, {}, {}, 0}; }
 
 std::vector<Patch> halve_Patch(const Patch& patch, const std::vector<T3DVEC>& centres) {
   const int axis = find_LongestAxis(patch, centres);
@@ -213,6 +224,10 @@ Climb climb_Ladder(std::vector<Patch> patches, const LadderRules& rules,
   }
   for (const Rung& rung : rules.rest) {
     std::vector<Patch> free = list_Free(climb);
+    if (!free.empty()) try_Rung(climb, std::move(free), rung, false, attempt);
+  }
+  for (const Rung& rung : rules.bare) {
+    std::vector<Patch> free = list_Bare(climb, list_Free(climb));
     if (!free.empty()) try_Rung(climb, std::move(free), rung, false, attempt);
   }
   return climb;

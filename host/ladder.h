@@ -48,6 +48,7 @@ struct Rung {
   uint32_t position = 0;  // which of the general positions the mesh is brought into
   bool again = false;     // offer again, in pieces, what a failed attempt let go of
   Tilt tilt = Tilt::kBand;
+  bool keep_small = false;  // regions are not deleted for being small
 };
 
 // Offers all patches on one rung, in one call of the library; one outcome for each.
@@ -57,6 +58,8 @@ struct LadderRules {
   std::vector<Rung> whole;  // tried first; a patch that fails goes on as it is
   std::vector<Rung> rungs;  // then these, and again for each half
   std::vector<Rung> rest;   // what stayed free is offered on each of these at the end
+  // At the very end those regions of interest are offered again in which no region was found.
+  std::vector<Rung> bare;
   uint32_t most_halvings = 0;
 };
 
@@ -72,6 +75,7 @@ struct CallNote {
   double aperture = 0.0;
   uint32_t position = 0;
   Tilt tilt = Tilt::kBand;
+  bool keep_small = false;
   uint32_t patches = 0, failed = 0;
   size_t triangles = 0;
   int32_t first = 0, second = 0;  // codes of the first patch that has any
@@ -87,8 +91,10 @@ struct Climb {
 // Whether growth meets a frame that lags too far behind is a matter of chance, so that the same
 // patch in another position often goes through whole: that is tried first, at the user's aperture
 // and a few narrower ones, fewer times for larger meshes. Then come the user's aperture and the
-// narrower ones of 40, 30, 25, 20, 15, 10 degrees, in pieces.
-LadderRules make_Ladder(double aperture, size_t triangles);
+// narrower ones of 40, 30, 25, 20, 15, 10 degrees, in pieces. With `bare` set the last rung keeps
+// small regions: a patch that is all that there is to divide may be narrower than the tool paths by
+// which the library tells what is small.
+LadderRules make_Ladder(double aperture, size_t triangles, bool bare = false);
 
 // One call, and what its second attempt found is kept.
 LadderRules make_Plain(double aperture);

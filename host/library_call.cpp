@@ -7,6 +7,8 @@
 
 #include "capture.h"
 #include "errors.h"
+#include "library_request.h"
+#include "library_result.h"
 
 namespace undercut::host {
 namespace {
@@ -73,15 +75,6 @@ class WorkIn {
 
  private:
   std::optional<fs::path> back_;
-};
-
-// Releases the arrays of a result however its reader ends.
-struct Result {
-  TUcRes record{};
-  Result() { ini_Res(&record); }
-  Result(const Result&) = delete;
-  Result& operator=(const Result&) = delete;
-  ~Result() { clr_Res(&record); }
 };
 
 std::vector<FoundRegion> copy_Slot(const TUcRes& result, uint32_t slot) {
@@ -180,13 +173,10 @@ bool LibraryCall::run_Together(const std::vector<Patch>& patches, std::vector<Ou
     const auto count = static_cast<uint32_t>(patch.triangles.size());
     lists.push_back({triangles.back().data(), count, count});
   }
-  TUcReq request{};
-  ini_Req(&request);
-  request.msh = {mesh_.vertices.data(), static_cast<uint32_t>(mesh_.vertices.size()),
-                 mesh_.triangles.data(), static_cast<uint32_t>(mesh_.triangles.size())};
+  TUcReq request = make_Request(mesh_);
   const auto count = static_cast<uint32_t>(lists.size());
   request.rois = {lists.data(), count, count};
-  Result result;
+  LibraryResult result;
   call_Library(request, result.record);
 
   // A second attempt on an empty list is skipped and uses no slot; one that took its whole list
@@ -230,9 +220,18 @@ void LibraryCall::set_Bands(Tilt tilt) const {
   }
 }
 
+void LibraryCall::set_Smallest(bool keep_small) const {
+  const auto find = [&](const char* name) {
+    return keep_small ? 0.0 : find_Value<double>(rules_.settings, name);
+  };
+  set_Value<double>(dcm_srf, find("dcm.F_srf"));
+  set_Value<double>(dcm_quo, find("dcm.F_quo"));
+}
+
 std::vector<Outcome> LibraryCall::run(const std::vector<Patch>& patches, const Rung& rung) {
   dcm_win(&rung.aperture);
   set_Bands(rung.tilt);
+  set_Smallest(rung.keep_small);
   std::vector<Outcome> outcomes;
   if (run_Together(patches, outcomes)) return outcomes;
   // A list alone has one slot or none.

@@ -40,6 +40,7 @@ class LibraryCall {
   // One call; false where it can't be told whose the slots of the result are.
   bool run_Together(const std::vector<Patch>& patches, std::vector<Outcome>& outcomes);
   void set_Bands(Tilt tilt) const;
+  void set_Smallest(bool keep_small) const;
   void call_Library(TUcReq& request, TUcRes& result);
 
   Mesh& mesh_;

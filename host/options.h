@@ -7,14 +7,18 @@
 #include <string>
 #include <vector>
 
+#include "axis_options.h"
 #include "parameters.h"
 #include "prepare.h"
+#include "shadow_options.h"
 
 namespace undercut::host {
 
 struct DecomposeOptions {
   std::filesystem::path part;
-  std::vector<std::filesystem::path> rois;  // none: the whole mesh
+  std::vector<std::filesystem::path> rois;  // none: the whole mesh, or what the search finds
+  bool search = false;                      // find the axis and the regions of interest
+  double min_area = -1.0;                   // of a patch found, mm2; below 0: a share of the part
   std::vector<Setting> settings;            // in the order given; a later one wins
   std::filesystem::path folder = "regions";
   bool json = false;
@@ -24,9 +28,11 @@ struct DecomposeOptions {
 };
 
 struct Options {
-  enum class Action { Decompose, Parameters, Nothing };
+  enum class Action { Axis, Classify, Depth, Decompose, Parameters, Nothing };
 
   Action action = Action::Nothing;  // Nothing: help or the version was printed
+  AxisOptions axis;
+  ShadowOptions shadow;  // of Classify and Depth
   DecomposeOptions decompose;
   bool json = false;  // of Parameters
 };

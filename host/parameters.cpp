@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <ostream>
 #include <utility>
 
 #include "errors.h"
@@ -160,14 +161,14 @@ bool is_Read(const Parameter& parameter) {
   return name.starts_with("dcm.") || name == "ucs.f_tol";
 }
 
-const Parameter& find_Parameter(std::string_view key) {
+const Parameter& find_Parameter(std::string_view key, const Reads& reads) {
   std::vector<const Parameter*> found;
   for (const Parameter& p : kParameters) {
     if (key == p.name() || key == p.setter) return p;
     if (key == p.key) found.push_back(&p);
   }
   for (const Parameter* p : found) {
-    if (is_Read(*p)) return *p;
+    if (reads(*p)) return *p;
   }
   if (found.size() == 1) return *found[0];
   if (found.empty()) {
@@ -191,13 +192,21 @@ Value parse_Value(const Parameter& parameter, std::string_view text) {
   }
 }
 
-Setting parse_Setting(std::string_view text) {
+Setting parse_Setting(std::string_view text, const Reads& reads) {
   const size_t equals = text.find('=');
   if (equals == text.npos || equals == 0) {
     throw UsageError("--set " + std::string(text) + ": write KEY=VALUE, for example n_con=3.");
   }
-  const Parameter& parameter = find_Parameter(trim_Text(text.substr(0, equals)));
+  const Parameter& parameter = find_Parameter(trim_Text(text.substr(0, equals)), reads);
   return {&parameter, parse_Value(parameter, text.substr(equals + 1))};
+}
+
+void note_Unread(const std::vector<Setting>& settings, const Reads& reads, const char* what,
+                 std::ostream& err) {
+  for (const Setting& setting : settings) {
+    if (reads(*setting.parameter)) continue;
+    err << "undercut: note: " << setting.parameter->name() << " has no effect on " << what << ".\n";
+  }
 }
 
 std::string show_Value(const Value& value) {

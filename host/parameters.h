@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -35,19 +37,26 @@ struct Setting {
 
 const std::vector<Parameter>& all_Parameters();
 
+// The decomposition reads it.
+bool is_Read(const Parameter& parameter);
+
+// Whether a computation reads a parameter.
+using Reads = std::function<bool(const Parameter&)>;
+
 // Finds a parameter by BLOCK.KEY, by the setter's name, or by the key alone. A key that several
-// blocks have means that of the block dcm, or else the one that the decomposition reads (f_tol).
-// Throws UsageError, with near names, for an unknown key and for one that is not unique.
-const Parameter& find_Parameter(std::string_view key);
+// blocks have means the first that the computation reads. Throws UsageError, with near names, for
+// an unknown key and for one that is not unique.
+const Parameter& find_Parameter(std::string_view key, const Reads& reads = is_Read);
 
 // Reads a value and checks it by kind and range. Throws UsageError.
 Value parse_Value(const Parameter& parameter, std::string_view text);
 
 // Reads "KEY=VALUE". Throws UsageError.
-Setting parse_Setting(std::string_view text);
+Setting parse_Setting(std::string_view text, const Reads& reads = is_Read);
 
-// The decomposition reads it.
-bool is_Read(const Parameter& parameter);
+// A note on `err` for each parameter that was set without effect; `what` names the computation.
+void note_Unread(const std::vector<Setting>& settings, const Reads& reads, const char* what,
+                 std::ostream& err);
 
 std::string show_Value(const Value& value);
 const char* show_Kind(Kind kind);

@@ -16,9 +16,6 @@
 namespace undercut::host {
 namespace {
 
-// The library numbers triangles by signed 32-bit values.
-constexpr size_t kMostTriangles = 0x2AAAAAAA;
-
 struct VertexHash {
   size_t operator()(const T3DVEC& v) const {
     uint64_t hash = 0;

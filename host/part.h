@@ -9,6 +9,9 @@
 
 namespace undercut::host {
 
+// The library numbers triangles by signed 32-bit values, and corners too.
+inline constexpr size_t kMostTriangles = 0x2AAAAAAA;
+
 struct Part {
   std::string path;
   Mesh mesh;                         // triangle i is triangle i of the file

@@ -1,33 +1,12 @@
-#include <algorithm>
 #include <iomanip>
 #include <ostream>
 
 #include "report.h"
+#include "table_parts.h"
 #include "text.h"
 
 namespace undercut::host {
 namespace {
-
-std::string show_Percent(double part, double whole) {
-  return fixed_Text(whole > 0.0 ? 100.0 * part / whole : 0.0, 1) + " %";
-}
-
-std::string count_Word(size_t count, const char* one, const char* many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
-void write_Part(std::ostream& out, const Part& part) {
-  out << part.path << ": " << count_Word(part.mesh.triangles.size(), "triangle", "triangles")
-      << ", " << count_Word(part.mesh.vertices.size(), "vertex", "vertices") << "\n";
-  if (part.degenerate.empty()) return;
-  out << count_Word(part.degenerate.size(), "triangle has", "triangles have")
-      << " two equal corners:";
-  constexpr size_t kShown = 10;
-  for (size_t i = 0; i < std::min(kShown, part.degenerate.size()); ++i) {
-    out << " " << part.degenerate[i];
-  }
-  out << (part.degenerate.size() > kShown ? " ...\n" : "\n");
-}
 
 // What the region of interest needed, in a phrase.
 std::string show_Needed(const RoiAnswer& roi) {
@@ -59,16 +38,30 @@ void write_Roi(std::ostream& out, const RoiAnswer& roi, size_t index) {
   }
   out << "  region   triangles      area mm2     share   axis, from the part towards the tool\n";
   for (const Region& region : roi.regions) {
-    std::string axis = "  ";
-    for (const double value : {region.axis.x, region.axis.y, region.axis.z}) {
-      // Adding 0.0 shows a value that rounds to -0.0 without its sign.
-      const std::string number = fixed_Text(std::round(value * 1e4) / 1e4 + 0.0, 4);
-      axis += std::string(number.size() < 9 ? 9 - number.size() : 1, ' ') + number;
-    }
     write_Line(out, std::to_string(region.number), region.triangles.size(), region.area, roi.area,
-               axis);
+               "  " + show_Direction(region.axis));
   }
   write_Line(out, "free", roi.free.size(), roi.area - roi.covered, roi.area, "");
+}
+
+void write_Search(std::ostream& out, const Search& search) {
+  out << "\nBest axis" << (search.from_face ? ", normal of flat faces" : "")
+      << ", taken as the machine's Z: " << show_Direction(search.axis) << "\n"
+      << "It and its opposite see " << show_Percent(search.area - search.undercut, search.area)
+      << " of the surface.\n";
+  if (search.triangles == 0) {
+    out << "No undercut: there is nothing to divide.\n";
+    return;
+  }
+  const std::string least = fixed_Text(search.min_area, 3) + " mm2";
+  out << "Undercut: " << fixed_Text(search.undercut, 3) << " mm2, "
+      << count_Word(search.triangles, "triangle", "triangles") << "; "
+      << count_Word(search.patches.size(), "patch", "patches") << " of " << least << " and more.\n";
+  if (search.dropped > 0) {
+    out << count_Word(search.dropped, "smaller patch", "smaller patches")
+        << " left out: " << fixed_Text(search.dropped_area, 3) << " mm2. --min-area 0 takes all.\n";
+  }
+  if (search.patches.empty()) out << "There is nothing to divide.\n";
 }
 
 // Breaks a sentence into lines of at most `width` characters.
@@ -91,14 +84,19 @@ void write_Wrapped(std::ostream& out, const std::string& sentence, size_t margin
 void write_Table(std::ostream& out, const Part& part, const DecomposeOptions& options,
                  const Answer& answer) {
   write_Part(out, part);
-  for (const Setting& setting : options.settings) {
-    out << setting.parameter->name() << " = " << show_Value(setting.value) << "\n";
-  }
+  write_Settings(out, options.settings);
+  if (answer.search) write_Search(out, *answer.search);
   for (size_t i = 0; i < answer.rois.size(); ++i) write_Roi(out, answer.rois[i], i);
-  out << "\n"
-      << count_Word(answer.regions, "region covers", "regions cover") << " "
-      << show_Percent(answer.covered, answer.area) << " of " << fixed_Text(answer.area, 3)
-      << " mm2, in " << fixed_Text(answer.elapsed_ms / 1000.0, 2) << " s\n";
+  out << "\n";
+  if (!answer.rois.empty()) {
+    out << count_Word(answer.regions, "region covers", "regions cover") << " "
+        << show_Percent(answer.covered, answer.area) << " of " << fixed_Text(answer.area, 3)
+        << " mm2, ";
+    if (answer.search) {
+      out << show_Percent(answer.covered, answer.search->undercut) << " of all undercut, ";
+    }
+  }
+  out << "in " << fixed_Text(answer.elapsed_ms / 1000.0, 2) << " s\n";
   for (const StageTime& time : answer.times) {
     out << "  " << std::left << std::setw(50) << time.stage << std::right << std::setw(8) << time.ms
         << " ms\n";

@@ -25,7 +25,7 @@ struct Command : testing::Test {
 };
 
 TEST_F(Command, Decompose_WritesResultsAndATable) {
-  const Ran ran = run("decompose part.stl");
+  const Ran ran = run("decompose part.stl --whole");
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_TRUE(has_Text(ran.out, "part.stl: 288 triangles, 169 vertices")) << ran.out;
   EXPECT_TRUE(has_Text(ran.out, "Region of interest 0 (whole mesh): done"));
@@ -37,13 +37,13 @@ TEST_F(Command, Decompose_WritesResultsAndATable) {
 }
 
 TEST_F(Command, Decompose_LeavesNoTemporaryFiles) {
-  run("decompose part.stl -o out/deep");
+  run("decompose part.stl --whole -o out/deep");
   EXPECT_EQ(
       std::distance(fs::directory_iterator(folder.path / "out/deep"), fs::directory_iterator()), 2);
 }
 
 TEST_F(Command, Decompose_ADomeIsCoveredByRegionsReachedFromAbove) {
-  const Ran ran = run("decompose part.stl --json --set F_quo=0");
+  const Ran ran = run("decompose part.stl --whole --json --set F_quo=0");
   const Json json = Json::parse(ran.out);
   EXPECT_EQ(json["status"], "done");
   EXPECT_GT(json["covered"].get<double>(), 0.5);
@@ -53,7 +53,7 @@ TEST_F(Command, Decompose_ADomeIsCoveredByRegionsReachedFromAbove) {
 }
 
 TEST_F(Command, Json_PrintsTheFileAndNothingElse) {
-  const Ran ran = run("decompose part.stl --json --set b_rti=1 --set b_prg=1");
+  const Ran ran = run("decompose part.stl --whole --json --set b_rti=1 --set b_prg=1");
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_EQ(ran.out, load_File(folder.path / "regions/regions.json"));
   EXPECT_TRUE(Json::accept(ran.out));
@@ -61,7 +61,7 @@ TEST_F(Command, Json_PrintsTheFileAndNothingElse) {
 }
 
 TEST_F(Command, Json_TellsTheTimeOfEachStage) {
-  const Json json = Json::parse(run("decompose part.stl --json").out);
+  const Json json = Json::parse(run("decompose part.stl --whole --json").out);
   ASSERT_FALSE(json["stages"].empty());
   EXPECT_TRUE(has_Text(json["stages"][0]["stage"], "01. Load"));
 }
@@ -119,7 +119,7 @@ TEST_F(Command, Plain_HandsOverTheMeshUntouchedInOneCall) {
 TEST_F(Command, Attempts_TellThePositionAndGoOnToTheNext) {
   fs::create_directories(folder.path / "out/stages/call-001");
   folder.write("out/stages/call-001/13-end", "in the way");
-  const Json json = Json::parse(run("decompose part.stl --stage-files -o out --json").out);
+  const Json json = Json::parse(run("decompose part.stl --whole --stage-files -o out --json").out);
   const Json& attempts = json["regions_of_interest"][0]["needed"]["attempts"];
   ASSERT_EQ(attempts.size(), 2u);
   EXPECT_EQ(attempts[0]["position"], 0);
@@ -130,7 +130,7 @@ TEST_F(Command, Attempts_TellThePositionAndGoOnToTheNext) {
 }
 
 TEST_F(Command, StageFiles_LandInTheFolderAndNowhereElse) {
-  const Ran ran = run("decompose part.stl --stage-files");
+  const Ran ran = run("decompose part.stl --whole --stage-files");
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_TRUE(fs::exists(folder.path / "regions/stages/call-001/13-end"));
   for (const auto& entry : fs::directory_iterator(folder.path)) {
@@ -140,7 +140,7 @@ TEST_F(Command, StageFiles_LandInTheFolderAndNowhereElse) {
 }
 
 TEST_F(Command, StageFiles_WithAPathTooLong_AreAUsageError) {
-  const Ran ran = run("decompose part.stl --stage-files -o " + std::string(180, 'a') + "/" +
+  const Ran ran = run("decompose part.stl --whole --stage-files -o " + std::string(180, 'a') + "/" +
                       std::string(100, 'b'));
   EXPECT_EQ(ran.status, 2);
   EXPECT_TRUE(has_Text(ran.err, "--stage-files")) << ran.err;
@@ -164,7 +164,7 @@ TEST_F(Command, AFailedRegionOfInterest_IsStatusOneWithResults) {
 TEST_F(Command, AFailedAttempt_IsFollowedByTheNextRung) {
   fs::create_directories(folder.path / "out/stages/call-001");
   folder.write("out/stages/call-001/13-end", "in the way");
-  const Ran ran = run("decompose part.stl --stage-files -o out --json");
+  const Ran ran = run("decompose part.stl --whole --stage-files -o out --json");
   EXPECT_EQ(ran.status, 0) << ran.err;
   const Json json = Json::parse(ran.out);
   EXPECT_EQ(json["calls"], 2);
@@ -188,6 +188,13 @@ TEST_F(Command, UsageErrors_AreStatusTwoWithoutResults) {
                                 "decompose part.stl --plain --up 0,0,1",
                                 "decompose part.stl --plain --max-edge 1",
                                 "decompose part.stl --up ''",
+                                "decompose part.stl --whole --roi part.stl",
+                                "decompose part.stl --min-area x",
+                                "decompose part.stl --min-area -1",
+                                "decompose part.stl --min-area 1 --whole",
+                                "decompose part.stl --min-area 1 --plain",
+                                "decompose part.stl --min-area 1 --up 0,0,1",
+                                "decompose part.stl --min-area 1 --roi part.stl",
                                 "decompose part.stl --max-edge ''",
                                 "decompose ''",
                                 "decompose part.stl -o ''",
@@ -225,7 +232,7 @@ TEST_F(Command, InputErrors_AreStatusThreeWithoutResults) {
 }
 
 TEST_F(Command, AFailure_LeavesOldResultsAlone) {
-  ASSERT_EQ(run("decompose part.stl").status, 0);
+  ASSERT_EQ(run("decompose part.stl --whole").status, 0);
   const std::string old = load_File(folder.path / "regions/regions.json");
   EXPECT_EQ(run("decompose missing.stl").status, 3);
   EXPECT_EQ(load_File(folder.path / "regions/regions.json"), old);
@@ -241,7 +248,7 @@ TEST_F(Command, DegenerateTriangles_AreReportedAndLeftOut) {
   Soup corners = make_Dome(12);
   corners.insert(corners.end(), {corners[0], corners[0], corners[1]});
   folder.write("part.stl", make_BinaryStl(corners));
-  const Ran ran = run("decompose part.stl");
+  const Ran ran = run("decompose part.stl --whole");
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_TRUE(has_Text(ran.out, "1 triangle has two equal corners: 288")) << ran.out;
   const Json json = Json::parse(load_File(folder.path / "regions/regions.json"));
@@ -250,7 +257,7 @@ TEST_F(Command, DegenerateTriangles_AreReportedAndLeftOut) {
 }
 
 TEST_F(Command, ASettingWithoutEffect_IsNoted) {
-  const Ran ran = run("decompose part.stl --json --set f_wid=2");
+  const Ran ran = run("decompose part.stl --whole --json --set f_wid=2");
   EXPECT_EQ(ran.status, 0);
   EXPECT_TRUE(has_Text(ran.err, "con.f_wid has no effect"));
   EXPECT_TRUE(Json::accept(ran.out));
@@ -310,7 +317,7 @@ TEST_F(Command, Parameters_ListsAllForPeopleAndPrograms) {
 
 TEST_F(Command, ARunIsTheSameEveryTimeButForTheTimes) {
   const auto answer = [&] {
-    Json json = Json::parse(run("decompose part.stl --json --set n_con=3").out);
+    Json json = Json::parse(run("decompose part.stl --whole --json --set n_con=3").out);
     json.erase("elapsed");
     json.erase("stages");
     return json;
@@ -324,8 +331,8 @@ TEST(Parts, RealPartsEndWithoutAFailedRegionOfInterest) {
   Folder folder;
   for (const char* name :
        {"molar_stub.stl", "x_end_motor.stl", "grille_case.stl", "molar_open.stl"}) {
-    const Ran ran =
-        run_Built(folder, "decompose '" + (meshes / name).string() + "' --json --set n_con=3");
+    const Ran ran = run_Built(
+        folder, "decompose '" + (meshes / name).string() + "' --whole --json --set n_con=3");
     EXPECT_EQ(ran.status, 0) << name << ": " << ran.err;
   }
 }

@@ -233,7 +233,7 @@ TEST(Ladder, EndsWhereEverythingFails) {
 
 TEST(Ladder, GivesUpPiecesAtTheLimitOfHalvings) {
   const Climb climb =
-      climb_Ladder({make_Patch(0, 0, 64)}, LadderRules{{}, {{55.0, 0, true}}, {}, 2},
+      climb_Ladder({make_Patch(0, 0, 64)}, LadderRules{{}, {{55.0, 0, true}}, {}, {}, 2},
                    make_Centres(64), make_Library([](const Patch&, const Rung&) { return true; }));
   EXPECT_EQ(climb.given_up.size(), 4u);
   EXPECT_EQ(climb.calls, 3u);
@@ -283,7 +283,7 @@ TEST(Ladder, APatchThatGoesThroughWholeInAnotherPosition_IsNotSplit) {
 
 TEST(Ladder, WholePatches_AreOfferedWholeWhateverAFailedAttemptLetGoOf) {
   Lists offered;
-  const LadderRules rules{{{55.0, 0, false}, {55.0, 1, false}}, {{55.0, 0, true}}, {}, 0};
+  const LadderRules rules{{{55.0, 0, false}, {55.0, 1, false}}, {{55.0, 0, true}}, {}, {}, 0};
   const Climb climb =
       climb_Ladder({make_Patch(0, 0, 9)}, rules, make_Centres(9), make_HalfFailing(0, offered));
   const std::vector<uint32_t> whole = make_Patch(0, 0, 9).triangles;
@@ -385,6 +385,29 @@ TEST(Ladder, WhatFailsOfTheRest_StaysFreeAndIsNoFailure) {
   EXPECT_TRUE(climb.given_up.empty());
   EXPECT_EQ(climb.calls, 4u);
   ASSERT_EQ(climb.settled.size(), 1u);
+}
+
+TEST(Ladder, APatchWithoutARegion_IsOfferedOnceMoreWithSmallRegionsKept) {
+  std::vector<std::vector<uint32_t>> kept;
+  const Attempt library = [&](const std::vector<Patch>& patches, const Rung& rung) {
+    std::vector<Outcome> outcomes;
+    for (const Patch& patch : patches) {
+      Outcome outcome;
+      if (rung.keep_small) kept.push_back(patch.triangles);
+      const bool found = patch.roi == 0 || rung.keep_small;
+      if (found) outcome.regions.push_back({{patch.triangles[0]}, {}, {}});
+      outcomes.push_back(outcome);
+    }
+    return outcomes;
+  };
+  const std::vector<Patch> patches = {make_Patch(0, 0, 5), make_Patch(1, 5, 9)};
+  const Climb climb = climb_Ladder(patches, make_Ladder(55, 9, true), make_Centres(9), library);
+  EXPECT_EQ(kept, std::vector<std::vector<uint32_t>>({{5, 6, 7, 8}}));
+  EXPECT_TRUE(climb.notes.back().keep_small);
+  EXPECT_EQ(climb.notes.back().tilt, Tilt::kBand);
+  kept.clear();
+  climb_Ladder(patches, make_Ladder(55, 9), make_Centres(9), library);
+  EXPECT_TRUE(kept.empty());
 }
 
 }  // namespace

@@ -35,8 +35,8 @@ struct Example {
     settled.regions.push_back({{2, 0, 1}, down, frame});
     settled.regions.push_back({{3}, side, frame});
     climb.settled.push_back(settled);
-    climb.notes.push_back({1, 0, 55.0, 2, Tilt::kBand, 1, 1, 5, 11, 11});
-    climb.notes.push_back({2, 0, 40.0, 0, Tilt::kBand, 1, 0, 5, 0, 0});
+    climb.notes.push_back({1, 0, 55.0, 2, Tilt::kBand, false, 1, 1, 5, 11, 11});
+    climb.notes.push_back({2, 0, 40.0, 0, Tilt::kBand, true, 1, 0, 5, 0, 0});
     climb.calls = 2;
     answer = assemble_Answer(part, prepared, {{"list.txt", {4, 3, 2, 1, 0}, 1}}, climb);
     answer.times = {{"01. Load", 5, 2}};
@@ -131,7 +131,7 @@ TEST(JsonReport, KeysAndTheirOrderAreFixed) {
   const Example e;
   const Json json = make_Json(e.part, {}, e.answer);
   using Keys = std::vector<std::string>;
-  EXPECT_EQ(list_Keys(json), Keys({"schema", "program", "units", "input", "preparation",
+  EXPECT_EQ(list_Keys(json), Keys({"schema", "program", "units", "input", "search", "preparation",
                                    "parameters", "status", "library_status", "calls", "regions",
                                    "area", "covered", "regions_of_interest", "elapsed", "stages"}));
   EXPECT_EQ(list_Keys(json["input"]),
@@ -144,8 +144,8 @@ TEST(JsonReport, KeysAndTheirOrderAreFixed) {
   EXPECT_EQ(list_Keys(roi["needed"]),
             Keys({"calls", "narrowest_aperture", "halvings", "set_apart", "given_up", "attempts"}));
   EXPECT_EQ(list_Keys(roi["needed"]["attempts"][0]),
-            Keys({"call", "aperture", "position", "tilt", "patches", "triangles", "failed", "first",
-                  "second"}));
+            Keys({"call", "aperture", "position", "tilt", "keep_small", "patches", "triangles",
+                  "failed", "first", "second"}));
   EXPECT_EQ(list_Keys(roi["regions"][0]),
             Keys({"number", "count", "area", "axis", "centre", "frame", "aperture", "triangles"}));
   EXPECT_EQ(list_Keys(roi["free"]), Keys({"count", "area", "triangles"}));
@@ -182,6 +182,7 @@ TEST(JsonReport, TellsWhatWasFound) {
                                               {"aperture", 55.0},
                                               {"position", 2},
                                               {"tilt", "band"},
+                                              {"keep_small", false},
                                               {"patches", 1},
                                               {"triangles", 5},
                                               {"failed", 1},
@@ -191,6 +192,7 @@ TEST(JsonReport, TellsWhatWasFound) {
                                               {"aperture", 40.0},
                                               {"position", 0},
                                               {"tilt", "band"},
+                                              {"keep_small", true},
                                               {"patches", 1},
                                               {"triangles", 5},
                                               {"failed", 0},

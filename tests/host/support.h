@@ -8,6 +8,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -83,12 +84,53 @@ inline Soup make_Dome(int n) {
   return corners;
 }
 
+// The end of a line of the shell; what it prints is added to `printed`.
+inline int run_Line(const std::string& line, std::string* printed = nullptr) {
+  std::FILE* pipe = popen((line + " 2>&1").c_str(), "r");
+  char buffer[4096];
+  for (size_t n = 1; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) {
+    if (printed != nullptr) printed->append(buffer, n);
+  }
+  const int status = pclose(pipe);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Checks documents NAME=PATH against docs/schemas/NAME.schema.json; with "--strict" in front also
+// that the schemas let nothing else pass. Returns what is wrong, or nothing.
+inline std::string check_Documents(const std::string& documents) {
+  const bool strict = documents.starts_with("--strict ");
+  const std::string tests = UNDERCUT_SOURCE "/tests/host/check_documents.py";
+  std::string printed;
+  const int status =
+      run_Line("'" UNDERCUT_PYTHON "' '" + tests + (strict ? "' --strict " : "' ") +
+                   "'" UNDERCUT_SOURCE "/docs/schemas' " + documents.substr(strict ? 9 : 0),
+               &printed);
+  if (status != 0 && printed.empty()) printed = "the check ended with " + std::to_string(status);
+  return printed;
+}
+
+// All documents in a folder, and what the command printed there.
+inline std::string find_Documents(const Folder& folder, const std::string& arguments) {
+  std::string list;
+  for (const auto& entry : fs::recursive_directory_iterator(folder.path)) {
+    for (const char* name : {"axis", "undercut", "depth", "regions"}) {
+      if (entry.path().filename() != std::string(name) + ".json") continue;
+      list += std::string(" ") + name + "='" + entry.path().string() + "'";
+    }
+  }
+  if (arguments == "parameters --json") {
+    list += " parameters='" + (folder.path / ".stdout").string() + "'";
+  }
+  return list;
+}
+
 struct Ran {
   int status = -1;
   std::string out, err;
 };
 
-// Runs the built command with arguments for the shell, in the folder.
+// Runs the built command with arguments for the shell, in the folder. Every document that is there
+// afterwards must be valid.
 inline Ran run_Built(const Folder& folder, const std::string& arguments) {
   const std::string out = (folder.path / ".stdout").string();
   const std::string err = (folder.path / ".stderr").string();
@@ -96,6 +138,10 @@ inline Ran run_Built(const Folder& folder, const std::string& arguments) {
                            "' && '" UNDERCUT_BUILD "/host/undercut' " + arguments + " >'" + out +
                            "' 2>'" + err + "'";
   const int status = std::system(line.c_str());
+  const std::string documents = find_Documents(folder, arguments);
+  if (!documents.empty()) {
+    EXPECT_EQ(check_Documents(documents), "") << arguments;
+  }
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, load_File(out), load_File(err)};
 }
 

@@ -1,0 +1,22 @@
+// How the subcommands axis, classify and depth end.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <iosfwd>
+
+#include "errors.h"
+#include "json_parts.h"
+#include "output.h"
+
+namespace undercut::host {
+
+// Milliseconds that have passed.
+double since_Ms(std::chrono::steady_clock::time_point start);
+
+// Writes the document to the second file of the folder, the first being written already, and gives
+// both their names. Then prints the document, or the table and where the files are.
+void hand_Over(OutputFolder& folder, const Json& document, bool print_document, std::ostream& out,
+               const std::function<void()>& write_Table);
+
+}  // namespace undercut::host
