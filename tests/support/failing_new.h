@@ -3,6 +3,8 @@
 // sanitizer still sees each block. Over-aligned forms are left as they are.
 #pragma once
 
+#include <omp.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -55,6 +57,7 @@ bool count_Call() {
 int64_t live_Allocations() { return live_blocks; }
 
 FailingAllocation::FailingAllocation(uint64_t n) {
+  omp_get_max_threads();  // the runtime of OpenMP allocates when it is first asked for anything
   call_failed = false;
   calls_left = n;
 }
