@@ -89,8 +89,7 @@ Mesh cut_Out(const Mesh& mesh, const std::vector<uint32_t>& triangles) {
 }
 
 AxisAnswer find_Axes(const AxisOptions& options, const Part& part, std::ostream* progress) {
-  std::vector<Roi> rois;
-  for (const auto& path : options.rois) rois.push_back(read_Roi(path, part.mesh.triangles.size()));
+  std::vector<Roi> rois = read_Rois(options.rois, part);
   const bool whole = rois.empty();
   if (whole) rois.push_back(whole_Roi(part));
   AxisAnswer answer;

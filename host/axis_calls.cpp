@@ -10,15 +10,10 @@ std::vector<bool> find_Hidden(const Mesh& mesh, const std::vector<T3DVEC>& axes,
                               const std::vector<uint32_t>& triangles) {
   // The library takes a list without an array for the whole mesh.
   if (triangles.empty()) return std::vector<bool>(mesh.triangles.size(), false);
-  std::vector<T3DRAY> rays = make_Rays(axes);
-  std::vector<uint32_t> list = triangles;
-  const auto count = static_cast<uint32_t>(list.size());
-  TUcReq request = make_Request(mesh);
-  request.axi = {rays.data(), static_cast<uint32_t>(rays.size())};
-  request.roi = {list.data(), count, count};
+  const AxesRequest asked(mesh, axes, triangles);
   LibraryResult result;
   Capture capture;
-  check_Status(get_UCs(&request, &result.record), "tell what the axes see");
+  check_Status(get_UCs(&asked.request, &result.record), "tell what the axes see");
   const uint8_t* const bytes = result.record.ucs;
   return std::vector<bool>(bytes, bytes + mesh.triangles.size());
 }

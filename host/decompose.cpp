@@ -8,23 +8,15 @@
 
 #include <nlohmann/json.hpp>
 
-#include "errors.h"
 #include "find_rois.h"
 #include "library_call.h"
-#include "output.h"
 #include "report.h"
+#include "surface_command.h"
 #include "terminal.h"
 #include "text.h"
 
 namespace undercut::host {
 namespace {
-
-std::vector<Roi> read_Rois(const DecomposeOptions& options, const Part& part) {
-  std::vector<Roi> rois;
-  for (const auto& path : options.rois) rois.push_back(read_Roi(path, part.mesh.triangles.size()));
-  if (rois.empty() && !options.search) rois.push_back(whole_Roi(part));
-  return rois;
-}
 
 std::vector<T3DVEC> find_Centres(const Mesh& mesh) {
   std::vector<T3DVEC> centres;
@@ -109,7 +101,8 @@ Answer compute_Answer(const DecomposeOptions& options, const Part& part,
 int run_Decompose(const DecomposeOptions& asked, std::ostream& out, std::ostream& err) {
   DecomposeOptions options = asked;
   const Part part = read_Part(options.part);
-  std::vector<Roi> rois = read_Rois(options, part);
+  std::vector<Roi> rois = read_Rois(options.rois, part);
+  if (rois.empty() && !options.search) rois.push_back(whole_Roi(part));
   warn_Unread(options, err);
   OutputFolder folder(options.folder, {"regions.ply", "regions.json"});
   const auto start = std::chrono::steady_clock::now();
@@ -120,22 +113,13 @@ int run_Decompose(const DecomposeOptions& asked, std::ostream& out, std::ostream
   }
   Answer answer = compute_Answer(options, part, rois, err);
   answer.search = std::move(search);
-  const std::chrono::duration<double, std::milli> elapsed =
-      std::chrono::steady_clock::now() - start;
-  answer.elapsed_ms = elapsed.count();
+  answer.elapsed_ms = since_Ms(start);
 
-  const std::string json = print_Json(make_Json(part, options, answer));
   write_Ply(folder.file(0), part, answer);
-  folder.file(1) << json;
-  folder.commit();
-  if (options.json) {
-    out << json;
-  } else {
-    write_Table(out, part, options, answer);
-    out << "\nWritten: " << folder.path(0).string() << ", " << folder.path(1).string() << "\n";
-    if (options.stage_files) {
-      out << "Stage files: " << (options.folder / "stages").string() << "\n";
-    }
+  hand_Over(folder, make_Json(part, options, answer), options.json, out,
+            [&] { write_Table(out, part, options, answer); });
+  if (options.stage_files && !options.json) {
+    out << "Stage files: " << (options.folder / "stages").string() << "\n";
   }
   return answer.failed() ? kFailures : kDone;
 }

@@ -14,20 +14,15 @@ std::vector<double> find_Depths(const Mesh& mesh, const std::vector<T3DVEC>& axe
   std::vector<double> depths(mesh.triangles.size(), std::numeric_limits<double>::quiet_NaN());
   // The library takes a list without an array for the whole mesh.
   if (triangles.empty()) return depths;
-  std::vector<T3DRAY> rays = make_Rays(axes);
-  std::vector<uint32_t> list = triangles;
-  const auto count = static_cast<uint32_t>(list.size());
   std::vector<T3DMSH> shadows;
   shadows.reserve(others.size());
   for (const Mesh& other : others) shadows.push_back(view_Mesh(other));
-  TUcReq request = make_Request(mesh);
-  request.axi = {rays.data(), static_cast<uint32_t>(rays.size())};
-  request.roi = {list.data(), count, count};
-  request.msh_b = {shadows.data(), static_cast<uint32_t>(shadows.size())};
+  AxesRequest asked(mesh, axes, triangles);
+  asked.request.msh_b = {shadows.data(), static_cast<uint32_t>(shadows.size())};
   LibraryResult result;
   Capture capture;
-  const int32_t status =
-      others.empty() ? get_dFi(&request, &result.record) : get_dFb(&request, &result.record);
+  const int32_t status = others.empty() ? get_dFi(&asked.request, &result.record)
+                                        : get_dFb(&asked.request, &result.record);
   printed += capture.finish();
   check_Status(status, "tell the depths");
   for (const uint32_t triangle : triangles) {

@@ -3,6 +3,8 @@
 
 #include <undercut/exports.h>
 
+#include <vector>
+
 #include "geometry.h"
 
 namespace undercut::host {
@@ -21,13 +23,31 @@ inline TUcReq make_Request(const Mesh& mesh) {
   return request;
 }
 
-// The records of axes, each told as the direction of the tool.
-inline std::vector<T3DRAY> make_Rays(const std::vector<T3DVEC>& axes) {
-  std::vector<T3DRAY> rays;
-  rays.reserve(axes.size());
-  for (const T3DVEC& axis : axes) rays.push_back({{0, 0, 0}, axis});
-  return rays;
+// A view of a list of triangles, which must outlive it; without an array for an empty one, which
+// the library takes for the whole mesh.
+inline TLstU32 view_List(const std::vector<uint32_t>& triangles) {
+  const auto count = static_cast<uint32_t>(triangles.size());
+  if (count == 0) return {};
+  return {const_cast<uint32_t*>(triangles.data()), count, count};
 }
+
+// A request for what axes do with the listed triangles, which must outlive it like the mesh. Each
+// axis is told as the direction of the tool.
+struct AxesRequest {
+  std::vector<T3DRAY> rays;
+  TUcReq request;
+
+  AxesRequest(const Mesh& mesh, const std::vector<T3DVEC>& axes,
+              const std::vector<uint32_t>& triangles)
+      : request(make_Request(mesh)) {
+    rays.reserve(axes.size());
+    for (const T3DVEC& axis : axes) rays.push_back({{0, 0, 0}, axis});
+    request.axi = {rays.data(), static_cast<uint32_t>(rays.size())};
+    request.roi = view_List(triangles);
+  }
+  AxesRequest(const AxesRequest&) = delete;
+  AxesRequest& operator=(const AxesRequest&) = delete;
+};
 
 // Throws RunError for a status other than 0; `what` tells what the library could not do.
 void check_Status(int32_t status, const char* what);

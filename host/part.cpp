@@ -138,4 +138,11 @@ Roi read_Roi(const std::filesystem::path& path, size_t triangles) {
   return roi;
 }
 
+std::vector<Roi> read_Rois(const std::vector<std::filesystem::path>& paths, const Part& part) {
+  std::vector<Roi> rois;
+  rois.reserve(paths.size());
+  for (const auto& path : paths) rois.push_back(read_Roi(path, part.mesh.triangles.size()));
+  return rois;
+}
+
 }  // namespace undercut::host

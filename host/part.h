@@ -43,5 +43,7 @@ Roi whole_Roi(const Part& part);
 // Reads one triangle index a line; blank lines, and everything behind "#", are passed over.
 // Throws InputError with the file and the line.
 Roi read_Roi(const std::filesystem::path& path, size_t triangles);
+// The same for each of several files.
+std::vector<Roi> read_Rois(const std::vector<std::filesystem::path>& paths, const Part& part);
 
 }  // namespace undercut::host

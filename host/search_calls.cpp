@@ -62,14 +62,11 @@ FoundAxis run_Search(Export call, const char* name, const TUcReq& request,
 
 // A request for one region. The region stays the caller's, and the library does not write it.
 struct RegionRequest {
-  TLstU32 region{};
-  TUcReq request{};
+  TLstU32 region;
+  TUcReq request;
 
   RegionRequest(const Mesh& mesh, const std::vector<uint32_t>& triangles)
-      : request(make_Request(mesh)) {
-    const auto count = static_cast<uint32_t>(triangles.size());
-    // A list without an array stands for the whole mesh.
-    if (count > 0) region = {const_cast<uint32_t*>(triangles.data()), count, count};
+      : region(view_List(triangles)), request(make_Request(mesh)) {
     request.cav = {&region, 1, 1};
   }
   RegionRequest(const RegionRequest&) = delete;

@@ -14,8 +14,7 @@ Roi read_Together(const std::vector<std::filesystem::path>& paths, const Part& p
   if (paths.empty()) return whole_Roi(part);
   Roi all;
   std::vector<bool> known(part.mesh.triangles.size(), false);
-  for (const auto& path : paths) {
-    const Roi roi = read_Roi(path, part.mesh.triangles.size());
+  for (const Roi& roi : read_Rois(paths, part)) {
     all.source += (all.source.empty() ? "" : ", ") + roi.source;
     all.repeated += roi.repeated;
     for (const uint32_t triangle : roi.triangles) {

@@ -1,4 +1,4 @@
-// How the subcommands axis, classify and depth end.
+// How the subcommands that compute something of a part end.
 #pragma once
 
 #include <chrono>

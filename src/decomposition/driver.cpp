@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "decomposition/console.h"
 #include "decomposition/filter.h"
 #include "decomposition/output.h"
 #include "decomposition/stage.h"
 #include "decomposition/stage_files.h"
+#include "files/stage_line.h"
 #include "interface/call_frame.h"
 #include "mesh/region_repair.h"
 

@@ -1,6 +1,6 @@
 #include "decomposition/output.h"
 
-#include "foundation/primitives.h"
+#include "mesh/line_hits.h"
 
 namespace undercut {
 
@@ -55,19 +55,9 @@ bool hit_Uca(const CMap& map, const C3DTriAABBTree& tree, int32_t id, const T3DR
              TLst<uint32_t>& scratch, T3DVEC& point) {
   if (!is_Usable(map.msh)) return false;
   point = ray.org;
-  double best = kAbsent;
-  scratch.count = 0;
-  tree.QueryLine(ray, scratch);
-  for (uint32_t i = 0; i < scratch.count; ++i) {
-    const uint32_t t = scratch.data[i];
-    T3DVEC p;
-    if (map.region_of[t] != id || !cut_Tri(ray, get_Fac(map.msh, t), p)) continue;
-    const double away = dst(ray.org, p);
-    if (away < best) {
-      best = away;
-      point = p;
-    }
-  }
+  double away;
+  near_Hit(
+      tree, ray, scratch, [&](uint32_t t) { return map.region_of[t] == id; }, point, away);
   return true;
 }
 

@@ -14,6 +14,17 @@ double excess_Sqr(double v, double low, double high) {
 // What is left of v across the unit vector dir.
 T3DVEC across(const T3DVEC& v, const T3DVEC& dir) { return v - dot(v, dir) * dir; }
 
+template <typename Vec>
+double dst_Seg(const Vec& p, const Vec& a, const Vec& b) {
+  const double length = len(b - a);
+  if (length == 0.0) return dst(p, a);
+  const Vec along = (b - a) / length;
+  const double s = dot(p - a, along);
+  if (s < 0.0) return dst(p, a);
+  if (s > length) return dst(p, b);
+  return dst(p, a + s * along);
+}
+
 }  // namespace
 
 double dst_Box(const C3DAABB& box, const T3DVEC& p) {
@@ -25,15 +36,9 @@ double dst_Box(const C2DAABB& box, const T2DVEC& p) {
   return excess_Sqr(p.x, box.min.x, box.max.x) + excess_Sqr(p.y, box.min.y, box.max.y);
 }
 
-double dst_Seg2(const T2DVEC& p, const T2DVEC& a, const T2DVEC& b) {
-  const double length = len(b - a);
-  if (length == 0.0) return dst(p, a);
-  const T2DVEC along = (b - a) / length;
-  const double s = dot(p - a, along);
-  if (s < 0.0) return dst(p, a);
-  if (s > length) return dst(p, b);
-  return dst(p, a + s * along);
-}
+double dst_Seg2(const T2DVEC& p, const T2DVEC& a, const T2DVEC& b) { return dst_Seg(p, a, b); }
+
+double dst_Seg3(const T3DVEC& p, const T3DVEC& a, const T3DVEC& b) { return dst_Seg(p, a, b); }
 
 double dst_Pol2(const T2DPOL& pol, const T2DVEC& p) {
   double best = kAbsent;

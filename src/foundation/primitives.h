@@ -100,6 +100,7 @@ double dst_Box(const C3DAABB& box, const T3DVEC& p);
 double dst_Box(const C2DAABB& box, const T2DVEC& p);
 // Distance from a point to a segment.
 double dst_Seg2(const T2DVEC& p, const T2DVEC& a, const T2DVEC& b);
+double dst_Seg3(const T3DVEC& p, const T3DVEC& a, const T3DVEC& b);
 // Smallest distance to a polyline; kAbsent for one without segments.
 double dst_Pol2(const T2DPOL& pol, const T2DVEC& p);
 // Distance from the line through org along the unit vector dir to the segment a b.

@@ -18,4 +18,11 @@ bool ok_Triangles(const TLst<uint32_t>& lst, uint32_t n_tri) {
   return true;
 }
 
+bool ok_Regions(const TLst<TLst<uint32_t>>& regions, uint32_t n_tri) {
+  for (uint32_t k = 0; regions.data && k < regions.capacity; ++k) {
+    if (!ok_Triangles(regions.data[k], n_tri)) return false;
+  }
+  return true;
+}
+
 }  // namespace undercut

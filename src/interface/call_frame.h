@@ -56,5 +56,7 @@ inline void need_Msh(CallFrame& frame, const T3DMSH& msh, int32_t before = 0) {
 bool ok_Vertices(const T3DMSH& msh);
 // Whether every entry names a triangle of a mesh of n_tri triangles.
 bool ok_Triangles(const TLst<uint32_t>& lst, uint32_t n_tri);
+// The same of every region; their number is the capacity.
+bool ok_Regions(const TLst<TLst<uint32_t>>& regions, uint32_t n_tri);
 
 }  // namespace undercut

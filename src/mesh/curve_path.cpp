@@ -4,6 +4,7 @@
 // vertices.
 #include <limits>
 
+#include "foundation/primitives.h"
 #include "mesh/curve_cut.h"
 
 namespace undercut {
@@ -18,18 +19,6 @@ struct TGround {
 struct TSegment {
   T3DVEC from, target;
 };
-
-double dst_Seg3(const T3DVEC& p, const TSegment& segment) {
-  const T3DVEC& a = segment.from;
-  const T3DVEC& b = segment.target;
-  const double length = len(b - a);
-  if (length == 0.0) return dst(p, a);
-  const T3DVEC along = (b - a) / length;
-  const double s = dot(p - a, along);
-  if (s < 0.0) return dst(p, a);
-  if (s > length) return dst(p, b);
-  return dst(p, a + s * along);
-}
 
 // The first of equals; a vertex whose place is not a number is none of them.
 uint32_t find_Nearest(const T3DMSH& msh, const T3DVEC& p) {
@@ -58,7 +47,7 @@ uint32_t find_Next(const TGround& ground, uint32_t here, const TSegment& segment
       const uint32_t w = corner(tri, k);
       if (w == here || !(dst_Sqr(vtx[w], segment.target) < left)) continue;
       if (w == closing) return w;
-      const double distance = dst_Seg3(vtx[w], segment);
+      const double distance = dst_Seg3(vtx[w], segment.from, segment.target);
       if (!(distance < best)) continue;
       best = distance;
       next = w;

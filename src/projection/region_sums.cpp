@@ -14,13 +14,6 @@ struct TSumsInput {
   const double* add;
 };
 
-bool ok_Regions(const TSumsInput& in) {
-  for (uint32_t k = 0; k < in.cav.capacity; ++k) {
-    if (!ok_Triangles(in.cav.data[k], in.msh.n_tri)) return false;
-  }
-  return true;
-}
-
 // A triangle with two equal corners counts in neither figure, and a value that is not a number is
 // never the largest.
 TUcStat sum_Region(const TSumsInput& in, const TLstU32& region) {
@@ -49,7 +42,7 @@ int32_t get_Stc(const TUcReq* req, TUcRes* res) {
     frame.need(in.cav.capacity, -6);
     frame.need(in.add, -7);
     frame.need(ok_Vertices(in.msh), UNDERCUT_BAD_VERTEX);
-    frame.need(ok_Regions(in), UNDERCUT_BAD_TRIANGLE);
+    frame.need(ok_Regions(in.cav, in.msh.n_tri), UNDERCUT_BAD_TRIANGLE);
 
     TUcStat* stats = new_Zeroed<TUcStat>(in.cav.capacity);
     frame.need(stats, -8);

@@ -3,11 +3,11 @@
 //
 // Most triangles are seen along the first axes. So each axis casts rays from those alone that no
 // axis before it has seen; the others cost nothing any more.
+#include "foundation/axis_frames.h"
 #include "foundation/bit_vector.h"
 #include "interface/call_frame.h"
 #include "interface/parameters.h"
 #include "mesh/sight.h"
-#include "undercut/axis_frames.h"
 #include "undercut/test_mesh.h"
 
 namespace undercut {

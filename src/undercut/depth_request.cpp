@@ -1,6 +1,6 @@
 #include "undercut/depth_request.h"
 
-#include "undercut/axis_frames.h"
+#include "foundation/axis_frames.h"
 #include "undercut/selection.h"
 
 namespace undercut {

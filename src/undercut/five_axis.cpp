@@ -1,11 +1,11 @@
 // Five axes: the best direction of the sphere for a mesh or a region cut out of it. A scan, then a
 // downhill simplex. Angles in degrees.
 #include "files/writers.h"
+#include "foundation/axis_frames.h"
 #include "interface/call_frame.h"
 #include "interface/parameters.h"
 #include "mesh/curve_cut.h"
 #include "mesh/weld.h"
-#include "undercut/axis_frames.h"
 #include "undercut/centres.h"
 #include "undercut/region_axes.h"
 #include "undercut/search.h"

@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "files/progress.h"
+#include "files/stage_line.h"
 #include "files/writers.h"
 #include "interface/parameters.h"
 #include "mesh/boundary.h"
@@ -29,25 +29,6 @@ struct TShadows {
   CBitVector own_hit, own_vis;  // over the mesh, by itself
   CBitVector add_hit, add_vis;  // over the mesh, by the joined mesh
   CBitVector sum_hit, sum_vis;  // over the joined mesh, by itself
-};
-
-// The label of the run and, however it ends, its time.
-class CRunLine {
- public:
-  explicit CRunLine(bool on) : on_(on) {
-    char label[kNameSize];
-    fmt_Name(label, "%-50s", "calculate :: dFi of UC(msh,add)");
-    if (on_) tim_Beg(timer_, label);
-  }
-  ~CRunLine() {
-    if (on_) tim_End(timer_);
-  }
-  CRunLine(const CRunLine&) = delete;
-  CRunLine& operator=(const CRunLine&) = delete;
-
- private:
-  CTimer timer_;
-  bool on_;
 };
 
 class CJointDepth {
@@ -279,7 +260,7 @@ int32_t get_dFb(const TUcReq* req, TUcRes* res) {
     const TDepthInput in = read_Depth(req, res);
     need_Indices(frame, in);
 
-    const CRunLine line(par.b_rti);
+    const CStageLine line(par.b_rti, "calculate :: dFi of UC(msh,add)");
     CJointDepth field(frame, par, in);
     field.begin();
     field.join();

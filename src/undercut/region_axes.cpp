@@ -1,6 +1,6 @@
 #include "undercut/region_axes.h"
 
-#include "undercut/axis_frames.h"
+#include "foundation/axis_frames.h"
 
 namespace undercut {
 
@@ -16,8 +16,7 @@ void need_Regions(CallFrame& frame, const TRegionsInput& in) {
 
 void need_Indices(CallFrame& frame, const TRegionsInput& in) {
   frame.need(ok_Vertices(in.msh), UNDERCUT_BAD_VERTEX);
-  for (uint32_t k = 0; k < in.cav.capacity; ++k)
-    frame.need(ok_Triangles(in.cav.data[k], in.msh.n_tri), UNDERCUT_BAD_TRIANGLE);
+  frame.need(ok_Regions(in.cav, in.msh.n_tri), UNDERCUT_BAD_TRIANGLE);
 }
 
 T3DFRM frm_Found(const T3DVEC& centre, double theta, double phi) {

@@ -1,7 +1,7 @@
 // The axis along whose two ends a three-axis machine reaches the most of a mesh, from a scan of the
 // sphere or from a given start.
+#include "foundation/axis_frames.h"
 #include "interface/call_frame.h"
-#include "undercut/axis_frames.h"
 #include "undercut/axis_sign.h"
 #include "undercut/centres.h"
 #include "undercut/search.h"

@@ -15,6 +15,7 @@
 
 #include "foundation/values.h"
 #include "tests/boundary/defaults.h"
+#include "tests/boundary/refusal.h"
 #include "tests/support/allocations.h"
 
 namespace undercut::tests {
@@ -139,14 +140,18 @@ class AxisSearch : public testing::Test {
       TAxesRequest r;
       make(r);
       fault.make(r);
-      TUcRes res, before;
-      std::memset(static_cast<void*>(&res), 0xAB, sizeof res);
-      std::memcpy(&before, &res, sizeof res);
-      const int64_t live = live_Allocations();
-      EXPECT_EQ(computation(&r.req, &res), fault.code);
-      EXPECT_EQ(live_Allocations(), live) << fault.code;
-      EXPECT_EQ(std::memcmp(&res, &before, sizeof res), 0) << fault.code;
+      expect_Refusal(computation, r.req, fault.code);
     }
+  }
+  // A hundred calls hold no more than the frames of the last one.
+  static void expect_NoLeak(TAxesRequest& r, TAxesRequest::Computation computation) {
+    const int64_t live = live_Allocations();
+    for (int cycle = 0; cycle < 100; ++cycle) {
+      ASSERT_EQ(r.call(computation), 0);
+      ASSERT_EQ(live_Allocations(), live + 1);
+    }
+    clr_Res(&r.res);
+    EXPECT_EQ(live_Allocations(), live);
   }
   // Of two faults the one that stands first in the list is told.
   template <size_t N>

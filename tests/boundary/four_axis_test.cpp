@@ -422,13 +422,7 @@ TEST_F(FourAxis, LeavesTheParametersAsTheyWere) {
 
 TEST_F(FourAxis, LeaksNothingInAHundredCycles) {
   make_Plain(r);
-  const int64_t live = live_Allocations();
-  for (int cycle = 0; cycle < 100; ++cycle) {
-    ASSERT_EQ(r.call(get_4ay), 0);
-    ASSERT_EQ(live_Allocations(), live + 1);
-  }
-  clr_Res(&r.res);
-  EXPECT_EQ(live_Allocations(), live);
+  expect_NoLeak(r, get_4ay);
 }
 
 }  // namespace

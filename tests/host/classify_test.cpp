@@ -4,29 +4,15 @@
 
 #include <cstring>
 
-#include "overhang.h"
-#include "support.h"
+#include "plates_command.h"
 
 namespace undercut::host {
 namespace {
 
 constexpr T3DVEC kUp{0, 0, 1}, kDown{0, 0, -1}, kFront{0, -1, 0};
 
-struct Classify : testing::Test {
-  Folder folder;
-  Mesh mesh = weld_Corners(make_Plates());
-
-  void SetUp() override {
-    folder.write("part.stl", make_BinaryStl(make_Plates()));
-    folder.write("lower.stl", make_BinaryStl(make_Lower()));
-    folder.write("upper.stl", make_BinaryStl(make_Upper()));
-  }
-  Ran run(const std::string& arguments) const { return run_Built(folder, "classify " + arguments); }
-  Json answer(const std::string& arguments) const {
-    const Ran ran = run(arguments + " --json");
-    EXPECT_EQ(ran.status, 0) << ran.err;
-    return Json::parse(ran.out);
-  }
+struct Classify : PlatesCommand {
+  Classify() : PlatesCommand("classify") {}
 };
 
 std::vector<uint32_t> find_Hidden(const Mesh& mesh, const std::vector<T3DVEC>& axes) {

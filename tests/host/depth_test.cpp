@@ -6,27 +6,13 @@
 #include <cstring>
 #include <limits>
 
-#include "overhang.h"
-#include "support.h"
+#include "plates_command.h"
 
 namespace undercut::host {
 namespace {
 
-struct Depth : testing::Test {
-  Folder folder;
-  Mesh mesh = weld_Corners(make_Plates());
-
-  void SetUp() override {
-    folder.write("part.stl", make_BinaryStl(make_Plates()));
-    folder.write("lower.stl", make_BinaryStl(make_Lower()));
-    folder.write("upper.stl", make_BinaryStl(make_Upper()));
-  }
-  Ran run(const std::string& arguments) const { return run_Built(folder, "depth " + arguments); }
-  Json answer(const std::string& arguments) const {
-    const Ran ran = run(arguments + " --json");
-    EXPECT_EQ(ran.status, 0) << ran.err;
-    return Json::parse(ran.out);
-  }
+struct Depth : PlatesCommand {
+  Depth() : PlatesCommand("depth") {}
   // A box inside another: no rim anywhere, so there is no answer.
   void write_Inside() const {
     folder.write("inside.stl", make_BinaryStl(join_Soups(make_Box({0, 0, 0}, {6, 6, 6}),

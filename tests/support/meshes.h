@@ -147,4 +147,17 @@ inline std::vector<uint32_t> list_All(const TSoup& soup) {
   return all;
 }
 
+// Stacks of triangles across X, each four times as far out as the one before it: every split of
+// the tree cuts off one stack, and walks of so deep a tree outgrow their fixed room.
+inline TSoup make_Uneven() {
+  TSoup soup;
+  for (int k = 0; k < 200; ++k) {
+    const double x = std::ldexp(1.0, 2 * k - 40);
+    const auto first = static_cast<uint32_t>(soup.vtx.size());
+    soup.vtx.insert(soup.vtx.end(), {{x, 0, 0}, {x, x / 4, 0}, {x, 0, x / 4}});
+    soup.tri.insert(soup.tri.end(), 6, {first, first + 1, first + 2});
+  }
+  return soup;
+}
+
 }  // namespace undercut::tests

@@ -6,11 +6,11 @@
 #include <cstring>
 #include <vector>
 
+#include "foundation/axis_frames.h"
 #include "tests/interface/blocks.h"
 #include "tests/reference/plain_depth.h"
 #include "tests/support/intensity.h"
 #include "tests/support/meshes.h"
-#include "undercut/axis_frames.h"
 
 using namespace undercut;
 using namespace undercut::tests;

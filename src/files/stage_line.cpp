@@ -1,4 +1,4 @@
-#include "decomposition/console.h"
+#include "files/stage_line.h"
 
 namespace undercut {
 

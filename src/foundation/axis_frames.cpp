@@ -1,4 +1,4 @@
-#include "undercut/axis_frames.h"
+#include "foundation/axis_frames.h"
 
 #include <cmath>
 

@@ -1,5 +1,5 @@
 // Frames and matrices of tool axes.
-#include "undercut/axis_frames.h"
+#include "foundation/axis_frames.h"
 
 #include <gtest/gtest.h>
 

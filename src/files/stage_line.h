@@ -8,8 +8,8 @@ namespace undercut {
 
 class CStageLine {
  public:
-  // `on` is b_rti. With `progress` the display has the line to itself while the stage runs, and the
-  // label is printed at the end.
+  // Prints nothing unless `on`. With `progress` the display has the line to itself while the stage
+  // runs, and the label is printed at the end.
   CStageLine(bool on, const char* label, bool progress = false);
   ~CStageLine();
   CStageLine(const CStageLine&) = delete;
