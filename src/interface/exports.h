@@ -193,9 +193,9 @@ UNDERCUT_API int32_t get_Dcm(const TUcReq* req, TUcRes* res);
  * on standard output: the number of ratings, the best rating, theta and phi.
  *
  * All give -4 no vertex array, -5 no triangle array, -6 no vertices, -7 no triangles; then
- * UNDERCUT_BAD_VERTEX and UNDERCUT_BAD_TRIANGLE; UNDERCUT_NO_MEMORY for a search without memory. A
- * list with a null pointer stands for the whole mesh; one with a pointer and a count of 0 is an
- * empty region. A rating that is not a number is never the best. */
+ * UNDERCUT_BAD_VERTEX; UNDERCUT_NO_MEMORY for a search without memory. A list with a null pointer
+ * stands for the whole mesh; one with a pointer and a count of 0 is an empty region. A rating that
+ * is not a number is never the best. */
 
 /* The axis along whose two ends a three-axis machine reaches the most of the mesh: a scan of the
  * sphere (nxn_*), then a downhill simplex (amo_*). Minimises minus the seen area in mm2, where a
@@ -214,10 +214,11 @@ UNDERCUT_API int32_t get_Amo(const TUcReq* req, TUcRes* res);
  * whose end is handed out, also where the scan had a better one. Minimises the blocked area of the
  * region as a part of the area of the whole mesh, plus err_Gew times the sine of the angle between
  * the direction and the mean normal of what is seen. The lift is ucs_Tol. Fills lst and n_lst.
- * Further codes: -8 no regions, -9 their number is 0, -10 gcu_Th1 not above gcu_Th0, -11 gcu_Th0
- * below -360, -12 gcu_Th1 above 360, -13 gcu_Phi below 0, -14 gcu_Phi above 180, -15 mesh not
- * prepared, -16 gcu_Win not above 0, -17 fewer than 5 intervals, -18 no memory for the frames, -19
- * no tilt has a rating. A limit that is not a number gives the code of the first check of it. */
+ * Further codes: UNDERCUT_BAD_TRIANGLE; -8 no regions, -9 their number is 0, -10 gcu_Th1 not above
+ * gcu_Th0, -11 gcu_Th0 below -360, -12 gcu_Th1 above 360, -13 gcu_Phi below 0, -14 gcu_Phi above
+ * 180, -15 mesh not prepared, -16 gcu_Win not above 0, -17 fewer than 5 intervals, -18 no memory
+ * for the frames, -19 no tilt has a rating. A limit that is not a number gives the code of the
+ * first check of it. */
 UNDERCUT_API int32_t get_4ay(const TUcReq* req, TUcRes* res);
 
 /* The best direction of the sphere for the mesh, or for the triangles of roi, or for those inside
@@ -225,17 +226,18 @@ UNDERCUT_API int32_t get_4ay(const TUcReq* req, TUcRes* res);
  * cut out: the rest of the mesh is no obstacle. Rating as get_4ay; scan and simplex as get_3ax, the
  * scan in nxn_Box, which the simplex may leave. No code tells that nothing in the scan has a rating
  * (an empty box, a mesh without area): the axis then means nothing; and where the simplex ends at
- * angles that are not finite, the frame is the identity. Fills frm_b. Further codes: -9 curves that
- * cut out nothing, -11 region not cut out, -12 region not prepared, -13 mesh not prepared. */
+ * angles that are not finite, the frame is the identity. Fills frm_b. Further codes:
+ * UNDERCUT_BAD_TRIANGLE; -9 curves that cut out nothing, -11 region not cut out, -12 region not
+ * prepared, -13 mesh not prepared, -14 and -15 not reached. */
 UNDERCUT_API int32_t get_5ax(const TUcReq* req, TUcRes* res);
 
 /* For each region of cav (its capacity is the number of regions) the best direction within the
  * window nxn_Box. Rating as get_4ay: the whole mesh is an obstacle. From the first region on whose
  * start lies closer than amo_Dxy to the rim of the window, the best point of the scan is handed
  * out without refinement, for the later regions too; call once for each region to avoid that.
- * Fills lst and n_lst. Further codes: -8 no regions, -9 their number is 0, -10 window empty in
- * theta, -11 in phi, -12 mesh not prepared, -13 no memory for the frames, -14 no theta has a
- * rating, -15 no phi, -16 start outside the window. */
+ * Fills lst and n_lst. Further codes: UNDERCUT_BAD_TRIANGLE; -8 no regions, -9 their number is 0,
+ * -10 window empty in theta, -11 in phi, -12 mesh not prepared, -13 no memory for the frames, -14
+ * no theta has a rating, -15 no phi, -16 (not reached) start outside the window. */
 UNDERCUT_API int32_t get_5ay(const TUcReq* req, TUcRes* res);
 
 /* ---- What a set of axes does not reach -------------------------------------------------------*/
@@ -318,6 +320,103 @@ UNDERCUT_API int32_t get_dFi(const TUcReq* req, TUcRes* res);
  * tree over its rim, -46 to -50 steps of the search through it. */
 UNDERCUT_API int32_t get_dFb(const TUcReq* req, TUcRes* res);
 
+/* ---- Points onto a mesh ----------------------------------------------------------------------*/
+
+/* Where a line meets the registered mesh: the crossing nearest to the ray's org; of equally near
+ * ones the first that the tree lists. A crossing behind org counts as well, if the triangle's own
+ * box reaches org or beyond: what lies wholly behind is not met. A line through a shared edge does
+ * not slip through. Stores the point, which may lie in the ray itself; with -7, for a line that
+ * misses, it stores org. Codes: -1 to -4 registered mesh without vertex array, triangle array,
+ * vertices, triangles; -5, -6 its scratch list is missing or of another size; UNDERCUT_NO_MEMORY.
+ * Then, and with a null argument (-1), nothing is stored. Uses the scratch list of the registered
+ * mesh. */
+UNDERCUT_API int32_t det_Prj(const T3DRAY* ray, T3DVEC* point);
+
+/* Selects the triangles of the registered mesh that reach into a slab of width con_Wid for each
+ * axis of axi: the slab lies round the plane through ray's org that holds ray's direction and the
+ * axis' own; it is thinner by the sine of the angle between the two, and takes everything where
+ * they are parallel. Only the directions of axi are read. Each call starts anew; a triangle is
+ * listed once, as it is first met. Read the selection with get_Roi; a call that fails keeps it,
+ * but for UNDERCUT_NO_MEMORY. Codes: -1 to -4 as det_Prj; -5 no axes, or a null request; -6 the
+ * direction of ray is zero; -7, -8 scratch list missing or of another size, -9 the list of selected
+ * triangles, -10 the marks of another size. */
+UNDERCUT_API int32_t det_Roi(const TUcReq* req);
+
+/* Moves points onto a mesh, area by area: area k has the triangles prj_l[k], the points prj_p[k]
+ * and the frame prj_f[k], whose Z axis Z is the direction of projection. Nothing else of the frame
+ * is read; Z may have any length, and without one no point moves.
+ *
+ * First each point goes along Z to the height of the centroid of a triangle of its own area: of
+ * those that reach into the cylinder round its line, the one whose centroid is nearest to the line.
+ * The radius is prj_off, raised by prj_inc while it is below prj_lim, until something is found; at
+ * most a million radii are tried. Where nothing is found the point stays. Then it goes along Z onto
+ * the nearest crossing with the whole mesh, but no farther than prj_tol, else it stays; of equally
+ * near crossings on both sides that on the side of -Z wins.
+ *
+ * Fills prj, of the shape of prj_p: an area without points or without triangles has an empty list.
+ * Codes: -3 no prj_l, -4 no prj_p, -5 no prj_f, -6 and -7 of different counts, -11 no memory for
+ * the lists; -16 to -19 mesh without vertex array, triangle array, vertices, triangles;
+ * UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE; -20 no memory for the areas' meshes, -21 no area at
+ * all, -22 and -23 not reached; -24 no memory for the hits; -25 no tree over an area, -26 no memory
+ * for its points; -27 no tree over the mesh. */
+UNDERCUT_API int32_t get_Prj(const TUcReq* req, TUcRes* res);
+
+/* ---- Rims ------------------------------------------------------------------------------------*/
+
+/* The closed curves that bound an area of a mesh, as seen along minus the Z axis of frm: smoothed,
+ * resampled and thinned out, in the coordinates of frm, z = 0, the first point not repeated. All
+ * fill rma.
+ *
+ * get_Rma and get_Rmb take as area what is connected with the start triangle n_cnt within roi and
+ * seen along minus Z, then close it, fill its notches and all its holes but the largest clear
+ * component that touches it. The lift of the rays is ucs_Tol. get_Rmc takes roi as it stands, and
+ * needs no start. get_Rma follows the edges of the mesh round the area and takes Z as given;
+ * get_Rmb and get_Rmc make Z a unit vector and follow the outline of the area on a grid of cells
+ * (gri_*) after a closing by a disk of radius p_a. They keep the grid in its parameter block: its
+ * box, and with gri_Res the numbers of rows and columns, without it the size of a cell. A radius
+ * below the size of a cell can wear off cells at the edge of the grid.
+ *
+ * Curves are smoothed by a cubic smoothing spline over their points (ucs_Gew: its parameter; the
+ * larger, the nearer to the points), resampled in steps of ucs_Res points, and lose the points that
+ * stand no higher than ucs_Err over their neighbours' chord.
+ *
+ * Codes: -1 no vertex array, -2 no triangle array, -3 no vertices, -4 no triangles, -5 no roi, -6
+ * an empty roi; -9 n_cnt beyond the triangles; UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE; no
+ * memory for: -10, -11 the bits, -13 the queue, -14 the tree, -15 the adjacency; -12 n_cnt is not
+ * in roi; -16 it has two equal corners, -17 it is not seen; -18 to -24 steps of the flood; -25 to
+ * -28 closing, notches, notches again, holes. The grid: -29 a size of a cell that is not above 0 or
+ * a box that is not finite, -30 no rows or no columns, or too many, -31 no memory for the cells,
+ * -32 a corner outside the grid, -33 no disk, -34 dilation, -35 erosion, -36 no outline (get_Rma:
+ * no border; an area without border gives this). Curves: -37 no memory, -40 fewer than 7 points
+ * or a spline that can't be solved, -44 ucs_Res not above 0 or more than 2^32 - 1 points, -46 not
+ * thinned out; -38, -39, -41 to -43 and -45 are not reached.
+ * get_Rma gives -1 to -6, -9 to -28 and -36 to -46, get_Rmb -1 to -6 and -9 to -46, get_Rmc -1 to
+ * -6 and -29 to -46. */
+UNDERCUT_API int32_t get_Rma(const TUcReq* req, TUcRes* res);
+UNDERCUT_API int32_t get_Rmb(const TUcReq* req, TUcRes* res);
+UNDERCUT_API int32_t get_Rmc(const TUcReq* req, TUcRes* res);
+
+/* ---- Statistics ------------------------------------------------------------------------------*/
+
+/* How much of the surface of each region of cav (its capacity is the number of regions; a null
+ * entry is an empty region) is seen along its axis in axi. Rays run from the centroids, lifted by
+ * ucs_Tol, along minus the direction of the axis; the whole mesh is the obstacle. Fills sta: seen
+ * (1 if no ray was blocked), share, area_seen, area; a share of an area of 0 is
+ * 1.7976931348623157e+308; the rest is 0. Triangles with two equal corners are not tested. Codes:
+ * -1 no vertex array, -2 no triangle array, -3 no vertices, -4 no triangles, -5 no regions, -6
+ * their number is 0, -7 no axes, -8 their number is 0, -9 another number than that of the regions,
+ * UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE, -10 no memory for the axes, -11 no frame, -12 no
+ * tree, -13 no memory for the seen triangles, -14 for the records, -15 not reached. */
+UNDERCUT_API int32_t get_Sta(const TUcReq* req, TUcRes* res);
+
+/* The same for the rim of each region: rays run from the midpoints of its border edges, lifted by
+ * ucs_Tol along the normal of the region's triangle there. Fills sta: seen, share (of the length),
+ * rim_seen, rim; the rest is 0. An edge whose triangle has two equal corners counts in rim and in
+ * the length, and is not tested. A region without rim has the share 1.7976931348623157e+308. Codes
+ * as get_Sta to -12, then -13 not reached, -14 adjacency, -15 no memory for the records, -16 for a
+ * region's bits, -17 for its border. */
+UNDERCUT_API int32_t get_Stb(const TUcReq* req, TUcRes* res);
+
 /* ---- Sums ------------------------------------------------------------------------------------*/
 
 /* For each region of cav: the sum of its triangle areas, and the largest value of `add` in it.
@@ -328,6 +427,40 @@ UNDERCUT_API int32_t get_dFb(const TUcReq* req, TUcRes* res);
  * Codes: -1 no vertex array, -2 no triangle array, -3 no vertices, -4 no triangles, -5 no regions,
  * -6 their number is 0, -7 no values, UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE, -8 no memory. */
 UNDERCUT_API int32_t get_Stc(const TUcReq* req, TUcRes* res);
+
+/* ---- Pieces, sub-meshes, normals -------------------------------------------------------------*/
+
+/* The connected pieces of the triangles that bit names (a byte for each triangle, 0 for no). With
+ * ucs_Eps above 0 vertices that are no farther apart are merged first, for this call. Fills com, in
+ * the order of the pieces' lowest triangles; no triangle gives an empty list. An earlier com of the
+ * result is overwritten, not freed. Codes: -1 no vertex array, -2 no triangle array, -3 no
+ * vertices, -4 no triangles, UNDERCUT_BAD_VERTEX; -5 vertices not merged; -6 (merged) or -7 (not
+ * merged) pieces not found: bit is not as long as the mesh has triangles, or no memory. */
+UNDERCUT_API int32_t get_Com(const TUcReq* req, TUcRes* res);
+
+/* Those regions of cav (here its count is their number) that are worth machining: their area is
+ * not below flt_Srf, their largest value of add (at least 0) not below flt_Dep, and, where closed
+ * curves are given in lst, no triangle of theirs lies inside a set of curves. Fills com with copies
+ * in the order of cav, and frees what com held; so com may be handed in as cav. Codes: -1 no vertex
+ * array, -2 no triangle array, -3 no vertices, -4 no triangles, -5 no cav, -6 its count is 0, -9 no
+ * values, -10 its capacity is 0, UNDERCUT_BAD_VERTEX; -11 no memory for the bits; -12 curves that
+ * cut out nothing; -13 not reached; -14 no memory for the marks; -15 a triangle index out of range;
+ * -16, -17 no memory for the lists. */
+UNDERCUT_API int32_t flt_Com(const TUcReq* req, TUcRes* res);
+
+/* The triangles inside the closed curves arg, in rising order: fills com with this one list. An
+ * earlier com of the result is overwritten, not freed. Codes: -1 no vertex array, -2 no vertices,
+ * -3 no triangle array, -4 no triangles, -5 no curves, -6 their number is 0, UNDERCUT_BAD_VERTEX;
+ * -7 curves that cut out nothing, or no memory; -8 no memory for the list. */
+UNDERCUT_API int32_t get_Sub(const TUcReq* req, TUcRes* res);
+
+/* For each ray of axi the directions in the polar ranges of the machine (dcm_Con, dcm_aT0 to
+ * dcm_bT2) that come nearest to its own: its polar angle is held to the limits of one range after
+ * the other, each starting from what the one before left. Polar angles are those of minus the
+ * direction. Fills nml: for each ray a list with an entry for each range, at the ray's org. Codes:
+ * -1 no rays, -2 their number is 0, -3 no ranges (dcm_Con 0), -4 no memory for the ranges, -5 more
+ * than three, -6, -7 no memory for the lists. */
+UNDERCUT_API int32_t err_Nml(const TUcReq* req, TUcRes* res);
 
 /* ---- Parameters ------------------------------------------------------------------------------*/
 

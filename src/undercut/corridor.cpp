@@ -6,6 +6,7 @@
 // sequential for that reason.
 #include <cstring>
 
+#include "foundation/band.h"
 #include "interface/call_frame.h"
 #include "interface/parameters.h"
 #include "interface/registered_mesh.h"
@@ -40,15 +41,12 @@ void need_Corridor(CallFrame& frame, const TCorridor& in) {
   frame.need(g_Hit.data, -11);
 }
 
-// Lists and marks the triangles that reach into the band of a pose. The normal of the band is not
-// made a unit vector: the band is narrower for an oblique pose, and takes every triangle where the
-// pose is parallel to the ray. No triangle is listed twice, so the lists have room for all.
+// Lists and marks the triangles that reach into the band of a pose. No triangle is listed twice, so
+// the lists have room for all.
 void list_Band(const TCorridor& in, const T3DVEC& pose) {
-  const T3DVEC u = unit(in.ray.dir), v = unit(pose);
-  const double half = in.width / 2;
   g_Hit.count = 0;
   g_Aux.count = 0;
-  g_Tre.QuerySlab({{cross(u, v), u, v, in.ray.org}, -half, half}, g_Hit);
+  g_Tre.QuerySlab(make_Band(in.ray, pose, in.width), g_Hit);
   for (uint32_t i = 0; i < g_Hit.count; ++i) g_Mrk.set(g_Hit.data[i]);
 }
 

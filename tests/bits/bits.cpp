@@ -6,7 +6,7 @@
 #include <numeric>
 #include <vector>
 
-#include "bench/bodies.h"
+#include "bench/requests.h"
 
 namespace {
 
@@ -126,12 +126,80 @@ void print_Undercut(bodies::TBody& body, bodies::TBody& other) {
   print("depth, shadow of another", get_dFb, dfi, n_tri * sizeof(double));
 }
 
+template <typename Lists>
+size_t add_Lists(Hash& hash, const Lists& lists) {
+  for (uint32_t i = 0; i < lists.count; ++i) hash.add_List(lists.data[i]);
+  return lists.count;
+}
+
+// Statistics, rims, points and pieces: each with the number of what is hashed.
+void print_Projection(const bodies::TBody& body) {
+  bodies::TRequest request(body);
+  const auto print = [&](const char* name, int32_t (*computation)(const TUcReq*, TUcRes*),
+                         auto add) {
+    TUcRes res;
+    ini_Res(&res);
+    const int32_t status = computation(&request.req, &res);
+    Hash hash;
+    const size_t count = status == 0 ? add(hash, res) : 0;
+    std::printf("%-24s status %d, %zu, %016llx\n", name, status, count, hash.value());
+    clr_Res(&res);
+  };
+  const auto sta = [&](Hash& hash, const TUcRes& res) {
+    hash.add(res.sta, request.regions() * sizeof(TUcStat));
+    return size_t{request.regions()};
+  };
+  const auto rma = [](Hash& hash, const TUcRes& res) { return add_Lists(hash, res.rma); };
+  const auto com = [](Hash& hash, const TUcRes& res) { return add_Lists(hash, res.com); };
+  const auto prj = [](Hash& hash, const TUcRes& res) { return add_Lists(hash, res.prj); };
+  const auto nml = [](Hash& hash, const TUcRes& res) { return add_Lists(hash, res.nml); };
+  print("surface seen", get_Sta, sta);
+  print("rim seen", get_Stb, sta);
+  print("rim along edges", get_Rma, rma);
+  print("rim by a grid", get_Rmb, rma);
+  print("rim of a list by a grid", get_Rmc, rma);
+  print("points onto the mesh", get_Prj, prj);
+  print("pieces", get_Com, com);
+  set<double>(ucs_Eps, 0.2);
+  print("pieces, merged", get_Com, com);
+  set<double>(ucs_Eps, 0.0);
+  print("pieces worth it", flt_Com, com);
+  print("inside a curve", get_Sub, com);
+  set<uint32_t>(dcm_Con, 3);
+  print("directions in ranges", err_Nml, nml);
+  set<uint32_t>(dcm_Con, 0);
+}
+
+// Lines onto the registered mesh, and what bands of it select.
+void print_Registered(const bodies::TBody& body) {
+  bodies::TRequest request(body);
+  int32_t status = ini_Adt(&request.req.msh);
+  Hash points, selected;
+  uint32_t met = 0;
+  for (int i = 0; i < 500; ++i) {
+    const T3DRAY line = {{0.1 * (i - 250), 3.0, 1.0}, {0.01 * i, 1.0, 0.3 - 0.001 * i}};
+    T3DVEC point;
+    met += det_Prj(&line, &point) == 0;
+    points.add(&point, sizeof point);
+  }
+  std::printf("%-24s status %d, %u, %016llx\n", "lines onto the mesh", status, met, points.value());
+  status = det_Roi(&request.req);
+  TLstU32 roi = {};
+  get_Roi(&roi);
+  selected.add_List(roi);
+  std::printf("%-24s status %d, %u, %016llx\n", "triangles in bands", status, roi.count,
+              selected.value());
+  clr_Dll();
+}
+
 }  // namespace
 
 int main() {
   bodies::TBody ring = bodies::make_Ring(8000), ball = bodies::make_Ball(6000);
   print_Stc(ring);
   print_Undercut(ball, ring);
+  print_Projection(ball);
+  print_Registered(ball);
   set<uint32_t>(dcm_Con, 3);
   print_Dcm("ring", ring);
   print_Dcm("ball", ball);

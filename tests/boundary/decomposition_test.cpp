@@ -293,6 +293,19 @@ TEST_F(Decomposition, IsStatus10_WhereTheAdjacencyIsBeyondMemory) {
   EXPECT_EQ(r.res.sts.count, 1u);
 }
 
+TEST_F(Decomposition, IsStatus12_WithoutMemoryForTheNameOfTheFolder) {
+  TDcmRequest r(small_Body());
+  std::memset(r.req.dir, 'a', 200);
+  const int64_t before = live_Allocations();
+  {
+    const FailingAllocation failing(1);
+    EXPECT_EQ(get_Dcm(&r.req, &r.res), 12);
+    EXPECT_TRUE(failing.has_Failed());
+  }
+  EXPECT_TRUE(r.res.sts.data == nullptr);
+  EXPECT_EQ(live_Allocations(), before);
+}
+
 TEST_F(Decomposition, ReturnsMinus112_AndHandsNothingOver_WhereAFrameFileCannotBeOpened) {
   std::ofstream("run") << "in the way of the folder";
   log("end", "");

@@ -390,6 +390,14 @@ TEST_F(ThreeAxis, WithoutAFiniteDirection_GivesMinus14) {
   }
 }
 
+TEST_F(ThreeAxis, WithARadiusThatIsNoNumber_GivesMinus14) {
+  defaults::set(amo_Dxy, double(NAN));
+  for (const Export computation : kBoth) {
+    TAxisRequest r(make_Grid(4, 4));
+    expect_Refusal(computation, r.req, -14);
+  }
+}
+
 TEST_F(ThreeAxis, OfCoordinatesThatAreNoNumbers_Ends) {
   for (const double value : {double(NAN), double(INFINITY), 1e300, -1.7e308}) {
     TAxisRequest r(make_Grid(4, 4));

@@ -38,7 +38,8 @@ inline void stamp(PlainGrid& grid, int r, int c, const PlainDisk& disk, bool val
       }
 }
 
-inline PlainGrid dilate(const PlainGrid& grid, const PlainDisk& disk) {
+// Not inlined: gcc 12 would warn of the release of a buffer that it loses track of.
+[[gnu::noinline]] inline PlainGrid dilate(const PlainGrid& grid, const PlainDisk& disk) {
   PlainGrid inverse = grid, out = grid;
   for (char& cell : inverse.cells) cell = !cell;
   for (int r = 1; r + 1 < grid.rows; ++r)
