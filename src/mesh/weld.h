@@ -24,7 +24,8 @@ void release(TWeld& weld);
 // Merges vertices no farther than the tolerance from the first vertex, in index order, that is not
 // merged yet: greedy, so a vertex may lie closer to a later centre than to its own. A merged vertex
 // is the mean of its members. Triangles are mapped and all kept. False for an empty mesh, for a
-// vertex that its own query does not find (a coordinate that is not a number), or no memory.
+// vertex that its own query does not find (a coordinate that is not a number), or no memory; a
+// query without memory throws std::bad_alloc.
 bool wld_Tol(const T3DMSH& msh, TWeld& out, double tolerance);
 
 // Merges points of exactly equal coordinates, in place: points in order of first use by a segment.

@@ -33,6 +33,7 @@ int32_t get_Com(const TUcReq* req, TUcRes* res) {
     Scoped<TWeld> weld;
     Scoped<TLstLstU32> pieces;
     if (tolerance > 0) {
+      frame.at(-5);  // what a query of the merging throws
       frame.need(wld_Tol(in.msh, *weld, tolerance), -5);
       // The merged mesh has the same triangles by number, so the set stands for it too.
       frame.need(cmp_Own(weld->merged, set, *pieces), -6);

@@ -145,6 +145,15 @@ TEST_F(ComponentFilter, DoesNotReadTheLimitOfVisibility) {
   }
 }
 
+TEST_F(ComponentFilter, MergesNoVertices_WhateverTheTolerance) {
+  set_Limits(1.0, 0);
+  r.sets = {{{make_Rectangle(2, 2, 2, 2)}}};
+  for (const double tolerance : {0.0, 0.5, 3.0}) {
+    defaults::set(ucs_Eps, tolerance);
+    EXPECT_EQ(filter({{0}, {0, 1}, {28, 29}}), (Lists{{0, 1}})) << tolerance;
+  }
+}
+
 TEST_F(ComponentFilter, HasLimitsByDefault) {
   defaults::restore();
   r.soup.vtx[1].x = 0.02;  // triangle 0 has the area 0.01

@@ -183,10 +183,13 @@ TEST_F(Components, TellTheStepThatHasNoMemory) {
 // A query through a tree as deep as that of these vertices needs memory of its own; one that takes
 // the whole tree at once needs none.
 TEST_F(Components, GiveMinus5_WithoutMemoryForAQueryAmongVeryUnevenVertices) {
-  for (int k = 0; k < 200; ++k) {
-    const auto first = static_cast<uint32_t>(r.soup.vtx.size());
-    r.soup.vtx.insert(r.soup.vtx.end(), 6, {std::ldexp(1.0, 2 * k - 40), 0, 0});
-    r.soup.tri.push_back({first, first + 1, first + 2});
+  for (int k = 0; k < 55; ++k) {
+    const double x = std::pow(2.01, k);
+    for (const T3DVEC& v : {T3DVEC{x, 0, 0}, {0, x, 0}, {0, 0, x}}) {
+      const auto first = static_cast<uint32_t>(r.soup.vtx.size());
+      r.soup.vtx.insert(r.soup.vtx.end(), 6, v);
+      r.soup.tri.push_back({first, first + 1, first + 2});
+    }
   }
   r.bit.assign(r.soup.tri.size(), 1);
   r.fill();
@@ -200,7 +203,7 @@ TEST_F(Components, GiveMinus5_WithoutMemoryForAQueryAmongVeryUnevenVertices) {
     }
     return counts;
   };
-  std::map<int32_t, uint32_t> queries = count_Codes(std::ldexp(1.0, 70));
+  std::map<int32_t, uint32_t> queries = count_Codes(0.5);
   EXPECT_EQ(queries.size(), 3u) << queries.begin()->first;  // -6, -5 and 0
   EXPECT_GT(queries[-5], count_Codes(kInfinite)[-5]);
 }

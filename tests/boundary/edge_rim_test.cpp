@@ -345,6 +345,21 @@ TEST_F(EdgeRim, GivesTheCodeOfTheStepWithoutMemory) {
   EXPECT_EQ(r.list_Codes(), (Codes{-10, -11, -13, -14, -15, -25, -28, -36, -37, -40, -44, -46, 0}));
 }
 
+TEST_F(EdgeRim, TellsAFaultBeforeALaterStepAsksForMemory) {
+  const Codes steps = {-10, -11, -13, -14, -15, -25, -28, -36, -37, -40, -44};
+  for (const TFault& fault : kFaults) {
+    defaults::restore();
+    TEdgeRimRequest r(make_Grid(4, 4));
+    fault.make(r);
+    Codes expected;
+    for (const int32_t step : steps)
+      if (step > fault.code) expected.push_back(step);
+    if (fault.code <= UNDERCUT_BAD_VERTEX) expected.clear();  // indices come before the bits
+    expected.push_back(fault.code);
+    EXPECT_EQ(r.list_Codes(), expected) << fault.code;
+  }
+}
+
 // A ray through a tree as deep as this one needs memory of its own.
 TEST_F(EdgeRim, GivesTheGeneralCode_WithoutMemoryForARay) {
   TEdgeRimRequest r(make_Uneven());

@@ -286,6 +286,25 @@ TEST_F(GridRimCodes, GivesTheCodeOfTheStepWithoutMemory) {
             (Codes{-31, -33, -34, -35, -36, -37, -40, -44, -46, 0}));
 }
 
+TEST_F(GridRimCodes, TellsAFaultBeforeALaterStepAsksForMemory) {
+  const Codes flood = {-10, -11, -13, -14, -15, -25, -28};
+  const Codes grid = {-31, -33, -34, -35, -36, -37, -40, -44};
+  for (const auto computation : kBoth) {
+    Codes steps = computation == get_Rmb ? flood : Codes();
+    steps.insert(steps.end(), grid.begin(), grid.end());
+    for (const TFault& fault : list_Faults(computation)) {
+      TSheetRequest r(computation);
+      fault.make(r);
+      Codes expected;
+      for (const int32_t step : steps)
+        if (step > fault.code) expected.push_back(step);
+      if (fault.code <= UNDERCUT_BAD_VERTEX) expected.clear();  // indices come before the bits
+      expected.push_back(fault.code);
+      EXPECT_EQ(r.list_Codes(), expected) << fault.code;
+    }
+  }
+}
+
 // A ray through a tree as deep as this one needs memory of its own.
 TEST_F(GridRimCodes, GivesTheGeneralCode_WithoutMemoryForARay) {
   TRimRequest r(get_Rmb, make_Uneven(), 0.1);

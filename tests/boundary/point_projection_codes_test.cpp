@@ -204,6 +204,19 @@ TEST_F(ProjectedLists, GivesTheCodeOfEachStepThatHasNoMemory) {
   EXPECT_EQ(list_Codes(r), (Codes{-11, -20, -24, -27, 0}));
 }
 
+TEST_F(ProjectedLists, TellsAFaultBeforeALaterStepAsksForMemory) {
+  r.req.prj_f.count = 1;
+  EXPECT_EQ(list_Codes(r), (Codes{-7}));
+  r.fill();
+  r.req.msh.vtx = nullptr;
+  EXPECT_EQ(list_Codes(r), (Codes{-11, -16}));
+  r.fill();
+  r.areas[1][0] = 3;
+  EXPECT_EQ(list_Codes(r), (Codes{-11, UNDERCUT_BAD_TRIANGLE}));
+  r.req.prj_l.count = r.req.prj_p.count = r.req.prj_f.count = 0;
+  EXPECT_EQ(list_Codes(r), (Codes{-21}));
+}
+
 TEST_F(ProjectedLists, LeavesTheResultAsItWas_WhereMemoryRunsOut) {
   for (uint64_t n = 1;; ++n) {
     TUcRes res, before;

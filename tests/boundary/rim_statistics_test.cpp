@@ -217,12 +217,13 @@ TEST_F(RimStatistics, KeepTheFiguresOfRegionsAwayFromCoordinatesThatAreNotFinite
   }
 }
 
-TEST_F(RimStatistics, CostWhatTheListsCost_HoweverManyRegionsThereAre) {
+TEST_F(RimStatistics, RateEveryTriangleAsARegionOfItsOwn) {
   TStatRequest sheet(make_Bumpy(200, 200));
   std::vector<std::vector<uint32_t>> singles;
   for (uint32_t t = 0; t < sheet.tri.size(); ++t) singles.push_back({t});
   sheet.set_Regions(singles);
   ASSERT_EQ(sheet.call(get_Stb), 0);
+  ASSERT_TRUE(sheet.res.sta);
   for (uint32_t k = 0; k < singles.size(); ++k) ASSERT_EQ(sheet.sta(k).rim, 3u);
 }
 

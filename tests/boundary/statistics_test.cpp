@@ -172,12 +172,13 @@ TEST_F(SurfaceStatistics, AddNothingForEqualCorners_WhereverTheyAre) {
   expect({0, 5}, 1, 1.0, 0.5, 0.5);
 }
 
-TEST_F(SurfaceStatistics, CostWhatTheListsCost_HoweverManyRegionsThereAre) {
+TEST_F(SurfaceStatistics, RateEveryTriangleAsARegionOfItsOwn) {
   TStatRequest sheet(make_Bumpy(200, 200));
   std::vector<std::vector<uint32_t>> singles;
   for (uint32_t t = 0; t < sheet.tri.size(); ++t) singles.push_back({t});
   sheet.set_Regions(singles);
   ASSERT_EQ(sheet.call(get_Sta), 0);
+  ASSERT_TRUE(sheet.res.sta);
   for (uint32_t k = 0; k < singles.size(); ++k) ASSERT_GT(sheet.sta(k).area, 0.0);
 }
 
