@@ -9,6 +9,7 @@
 #include "ladder.h"
 #include "part.h"
 #include "prepare.h"
+#include "region_sight.h"
 #include "stage_times.h"
 
 namespace undercut::host {
@@ -21,6 +22,8 @@ struct Region {
   T3DVEC centre{};
   T3DFRM frame{};
   double aperture = 0.0;  // degrees, with which the region was found
+  RegionSight sight;
+  RegionRim rim;
 };
 
 struct RoiAnswer {

@@ -58,12 +58,20 @@ ClassifyAnswer classify_Part(const ShadowOptions& options, const Part& part,
 
 int run_Classify(const ShadowOptions& options, std::ostream& out, std::ostream& err) {
   const Part part = read_Part(options.part);
-  note_Unread(options.settings, is_ReadByClassify, "the classification", err);
+  const bool corridor = options.corridor.has_value();
+  const auto reads = [&](const Parameter& p) { return is_ReadByClassify(p, corridor); };
+  note_Unread(options.settings, reads, "the classification", err);
   OutputFolder folder(options.folder, {"undercut.ply", "undercut.json"});
   const auto start = std::chrono::steady_clock::now();
   set_Parameters({options.settings, {}, false});
-  ClassifyAnswer answer = classify_Part(options, part, is_Terminal() ? &err : nullptr);
+  std::ostream* const progress = is_Terminal() ? &err : nullptr;
+  ClassifyAnswer answer = corridor ? classify_Corridor(options, part, progress)
+                                   : classify_Part(options, part, progress);
   answer.elapsed_ms = since_Ms(start);
+  if (answer.region.count == 0 && corridor) {
+    err << "undercut: note: no triangle that is asked reaches into the corridor. Check its point, "
+           "its direction and --width.\n";
+  }
   write_UndercutPly(folder.file(0), part, answer);
   hand_Over(folder, make_UndercutJson(part, options, answer), options.json, out,
             [&] { write_UndercutTable(out, part, options, answer); });

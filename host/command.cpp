@@ -8,11 +8,16 @@
 
 #include "axis_answer.h"
 #include "classify_answer.h"
+#include "components_answer.h"
 #include "decompose.h"
 #include "depth_answer.h"
 #include "errors.h"
+#include "inside_answer.h"
 #include "options.h"
+#include "project_answer.h"
 #include "report.h"
+#include "rim_answer.h"
+#include "statistics_answer.h"
 
 namespace undercut::host {
 namespace {
@@ -36,6 +41,16 @@ int run_Action(const Options& options, std::ostream& out, std::ostream& err) {
       return run_Depth(options.shadow, out, err);
     case Options::Action::Decompose:
       return run_Decompose(options.decompose, out, err);
+    case Options::Action::Rim:
+      return run_Rim(options.rim, out, err);
+    case Options::Action::Inside:
+      return run_Inside(options.inside, out, err);
+    case Options::Action::Project:
+      return run_Project(options.project, out, err);
+    case Options::Action::Statistics:
+      return run_Statistics(options.statistics, out, err);
+    case Options::Action::Components:
+      return run_Components(options.components, out, err);
     case Options::Action::Parameters:
       return run_Parameters(options.json, out);
     default:

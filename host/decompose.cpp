@@ -104,7 +104,7 @@ int run_Decompose(const DecomposeOptions& asked, std::ostream& out, std::ostream
   std::vector<Roi> rois = read_Rois(options.rois, part);
   if (rois.empty() && !options.search) rois.push_back(whole_Roi(part));
   warn_Unread(options, err);
-  OutputFolder folder(options.folder, {"regions.ply", "regions.json"});
+  OutputFolder folder(options.folder, {"regions.ply", "regions.json", "rims.pol"});
   const auto start = std::chrono::steady_clock::now();
   std::optional<Search> search;
   if (options.search) {
@@ -112,12 +112,16 @@ int run_Decompose(const DecomposeOptions& asked, std::ostream& out, std::ostream
     rois = search->patches;
   }
   Answer answer = compute_Answer(options, part, rois, err);
+  if (is_Terminal()) err << "rates and rims of the regions\n" << std::flush;
+  measure_Regions(part, answer);
   answer.search = std::move(search);
   answer.elapsed_ms = since_Ms(start);
 
   write_Ply(folder.file(0), part, answer);
-  hand_Over(folder, make_Json(part, options, answer), options.json, out,
-            [&] { write_Table(out, part, options, answer); });
+  write_Rims(folder.file(2), answer);
+  hand_Over(
+      folder, make_Json(part, options, answer), options.json, out,
+      [&] { write_Table(out, part, options, answer); }, ", " + folder.path(2).string());
   if (options.stage_files && !options.json) {
     out << "Stage files: " << (options.folder / "stages").string() << "\n";
   }

@@ -3,6 +3,7 @@
 
 #include "json_parts.h"
 #include "report.h"
+#include "rim_report.h"
 
 namespace undercut::host {
 namespace {
@@ -39,6 +40,21 @@ Json show_Search(const Answer& answer) {
             {"triangles", search.dropped_triangles}}}};
 }
 
+Json show_Sight(const RegionSight& sight) {
+  return {{"area", sight.area},
+          {"share", sight.share},
+          {"rim_share", sight.rim_share},
+          {"edges", sight.edges},
+          {"edges_seen", sight.edges_seen}};
+}
+
+Json show_Rim(const RegionRim& rim) {
+  if (!rim.failure.empty()) return nullptr;
+  Json curves = Json::array();
+  for (const RimCurve& curve : rim.curves) curves.push_back(show_Curve(curve));
+  return curves;
+}
+
 Json show_Region(const Region& region) {
   return {{"number", region.number},
           {"count", region.triangles.size()},
@@ -47,6 +63,9 @@ Json show_Region(const Region& region) {
           {"centre", show_Vec(region.centre)},
           {"frame", show_Frame(region.frame)},
           {"aperture", region.aperture},
+          {"seen", show_Sight(region.sight)},
+          {"rim", show_Rim(region.rim)},
+          {"no_rim", region.rim.failure.empty() ? Json(nullptr) : Json(region.rim.failure)},
           {"triangles", region.triangles}};
 }
 

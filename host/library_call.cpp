@@ -97,17 +97,6 @@ bool is_Doubtful(const Outcome& outcome) {
   return outcome.first != 0 && outcome.second == 0 && outcome.rest.empty();
 }
 
-// The user's value of a parameter, or its default.
-template <typename Value>
-Value find_Value(const std::vector<Setting>& settings, const char* name) {
-  const Parameter& parameter = find_Parameter(name);
-  Value value = std::get<Value>(parameter.standard);
-  for (const Setting& setting : settings) {
-    if (setting.parameter == &parameter) value = std::get<Value>(setting.value);
-  }
-  return value;
-}
-
 struct BandKeys {
   const char *low, *high;
   int32_t (*set_Low)(const double*);

@@ -31,6 +31,20 @@ inline TLstU32 view_List(const std::vector<uint32_t>& triangles) {
   return {const_cast<uint32_t*>(triangles.data()), count, count};
 }
 
+// The same for several lists.
+inline std::vector<TLstU32> view_Lists(const std::vector<std::vector<uint32_t>>& lists) {
+  std::vector<TLstU32> views;
+  views.reserve(lists.size());
+  for (const std::vector<uint32_t>& list : lists) views.push_back(view_List(list));
+  return views;
+}
+
+// Names the regions of a request: views that must outlive it.
+inline void set_Regions(TUcReq& request, std::vector<TLstU32>& views) {
+  const auto count = static_cast<uint32_t>(views.size());
+  request.cav = {views.data(), count, count};
+}
+
 // A request for what axes do with the listed triangles, which must outlive it like the mesh. Each
 // axis is told as the direction of the tool.
 struct AxesRequest {

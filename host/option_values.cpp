@@ -30,6 +30,18 @@ T3DVEC parse_Direction(const std::string& option, const std::string& text) {
   return direction;
 }
 
+T3DRAY parse_Line(const std::string& option, const std::string& text) {
+  const std::vector<double> values = parse_Numbers(text, 6);
+  const T3DVEC way = values.empty() ? T3DVEC{} : T3DVEC{values[3], values[4], values[5]};
+  const double length = len_Vec(way);
+  if (!(length > 1e-100) || !std::isfinite(length)) {
+    throw UsageError(option + " " + quote_Text(text) +
+                     ": write a point and a direction as six numbers with commas, for example "
+                     "0,0,5,0,0,1.");
+  }
+  return {{values[0], values[1], values[2]}, unit_Vec(way)};
+}
+
 double parse_Length(const std::string& option, const std::string& text) {
   const std::optional<double> value = parse_Double(text);
   if (!value || !std::isfinite(*value) || !(*value > 0.0)) {

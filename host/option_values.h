@@ -18,6 +18,9 @@ std::vector<double> parse_Numbers(const std::string& text, size_t count);
 // `option`.
 T3DVEC parse_Direction(const std::string& option, const std::string& text);
 
+// A line X,Y,Z,DX,DY,DZ: a point, and a direction that becomes a unit vector. Throws UsageError.
+T3DRAY parse_Line(const std::string& option, const std::string& text);
+
 // A length above 0 in mm. Throws UsageError.
 double parse_Length(const std::string& option, const std::string& text);
 

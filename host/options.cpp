@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cmath>
+#include <functional>
 #include <sstream>
 
 #include "errors.h"
@@ -22,6 +23,9 @@ Examples:
       How far each triangle lies under an overhang.
   undercut decompose part.stl
       Regions that can each be machined along one axis, of what three axes do not reach.
+  undercut rim part.stl --axis 0,0,1
+      The closed curves that bound what is seen along an axis; 'undercut inside' lists what lies
+      inside such curves.
   undercut parameters
       Every parameter with its default, unit, range and meaning.
 
@@ -65,7 +69,7 @@ double parse_MinArea(const std::string& text) {
   return *value;
 }
 
-void add_Decompose(CLI::App& app, RawOptions& raw) {
+CLI::App* add_Decompose(CLI::App& app, RawOptions& raw) {
   CLI::App* command = app.add_subcommand("decompose",
                                          "Divide the undercuts of a part, or its whole surface, "
                                          "into regions, each reachable along one tool axis");
@@ -97,6 +101,7 @@ void add_Decompose(CLI::App& app, RawOptions& raw) {
       "--plain", raw.plain,
       "Hand the mesh over as it is, in one call: no preparation and no further attempts");
   command->footer(kExamples);
+  return command;
 }
 
 DecomposeOptions check_Decompose(const RawOptions& raw) {
@@ -131,6 +136,50 @@ DecomposeOptions check_Decompose(const RawOptions& raw) {
   return options;
 }
 
+// A subcommand: what it is called, and how its words become options once it was named.
+struct Command {
+  const CLI::App* app;
+  Options::Action action;
+  std::function<void()> check;
+};
+
+// What CLI11 stores for all of them.
+struct AllWords {
+  AxisWords axis;
+  ShadowWords classify, depth;
+  RawOptions decompose;
+  RimWords rim;
+  InsideWords inside;
+  ProjectWords project;
+  StatisticsWords statistics;
+  ComponentsWords components;
+};
+
+std::vector<Command> add_Commands(CLI::App& app, AllWords& words, Options& options) {
+  using Action = Options::Action;
+  std::vector<Command> commands{
+      {add_Axis(app, words.axis), Action::Axis, [&] { options.axis = check_Axis(words.axis); }},
+      {add_Classify(app, words.classify), Action::Classify,
+       [&] { options.shadow = check_Classify(words.classify); }},
+      {add_Depth(app, words.depth), Action::Depth,
+       [&] { options.shadow = check_Depth(words.depth); }},
+      {add_Decompose(app, words.decompose), Action::Decompose,
+       [&] { options.decompose = check_Decompose(words.decompose); }},
+      {add_Rim(app, words.rim), Action::Rim, [&] { options.rim = check_Rim(words.rim); }},
+      {add_Inside(app, words.inside), Action::Inside,
+       [&] { options.inside = check_Inside(words.inside); }},
+      {add_Project(app, words.project), Action::Project,
+       [&] { options.project = check_Project(words.project); }},
+      {add_Statistics(app, words.statistics), Action::Statistics,
+       [&] { options.statistics = check_Statistics(words.statistics); }},
+      {add_Components(app, words.components), Action::Components,
+       [&] { options.components = check_Components(words.components); }}};
+  CLI::App* parameters = app.add_subcommand("parameters", "List every parameter of the library");
+  parameters->add_flag("--json", options.json, "As JSON");
+  commands.push_back({parameters, Action::Parameters, [] {}});
+  return commands;
+}
+
 }  // namespace
 
 Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
@@ -138,16 +187,9 @@ Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
   app.set_version_flag("--version", std::string("undercut ") + UNDERCUT_VERSION);
   app.footer(kOverview);
   app.require_subcommand(0, 1);
-  RawOptions raw;
+  AllWords words;
   Options options;
-  AxisWords axis_words;
-  ShadowWords classify_words, depth_words;
-  const CLI::App* axis = add_Axis(app, axis_words);
-  const CLI::App* classify = add_Classify(app, classify_words);
-  const CLI::App* depth = add_Depth(app, depth_words);
-  add_Decompose(app, raw);
-  CLI::App* parameters = app.add_subcommand("parameters", "List every parameter of the library");
-  parameters->add_flag("--json", options.json, "As JSON");
+  const std::vector<Command> commands = add_Commands(app, words, options);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -163,27 +205,15 @@ Options parse_Options(int argc, const char* const* argv, std::ostream& out) {
     app.exit(error, out, ignored);
     return options;
   }
-  if (app.get_subcommands().empty()) {
-    throw UsageError(
-        "name a command: axis, classify, depth, decompose or parameters.\n"
-        "Run 'undercut --help' for help.");
+  for (const Command& command : commands) {
+    if (!command.app->parsed()) continue;
+    options.action = command.action;
+    command.check();
+    return options;
   }
-  if (axis->parsed()) {
-    options.action = Options::Action::Axis;
-    options.axis = check_Axis(axis_words);
-  } else if (classify->parsed()) {
-    options.action = Options::Action::Classify;
-    options.shadow = check_Classify(classify_words);
-  } else if (depth->parsed()) {
-    options.action = Options::Action::Depth;
-    options.shadow = check_Depth(depth_words);
-  } else if (parameters->parsed()) {
-    options.action = Options::Action::Parameters;
-  } else {
-    options.action = Options::Action::Decompose;
-    options.decompose = check_Decompose(raw);
-  }
-  return options;
+  throw UsageError(
+      "name a command: axis, classify, depth, decompose, rim, inside, project, statistics, "
+      "components or parameters.\nRun 'undercut --help' for help.");
 }
 
 }  // namespace undercut::host

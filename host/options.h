@@ -8,9 +8,14 @@
 #include <vector>
 
 #include "axis_options.h"
+#include "components_options.h"
+#include "inside_options.h"
 #include "parameters.h"
 #include "prepare.h"
+#include "project_options.h"
+#include "rim_options.h"
 #include "shadow_options.h"
+#include "statistics_options.h"
 
 namespace undercut::host {
 
@@ -28,12 +33,29 @@ struct DecomposeOptions {
 };
 
 struct Options {
-  enum class Action { Axis, Classify, Depth, Decompose, Parameters, Nothing };
+  enum class Action {
+    Axis,
+    Classify,
+    Depth,
+    Decompose,
+    Rim,
+    Inside,
+    Project,
+    Statistics,
+    Components,
+    Parameters,
+    Nothing
+  };
 
   Action action = Action::Nothing;  // Nothing: help or the version was printed
   AxisOptions axis;
   ShadowOptions shadow;  // of Classify and Depth
   DecomposeOptions decompose;
+  RimOptions rim;
+  InsideOptions inside;
+  ProjectOptions project;
+  StatisticsOptions statistics;
+  ComponentsOptions components;
   bool json = false;  // of Parameters
 };
 

@@ -58,6 +58,17 @@ Setting parse_Setting(std::string_view text, const Reads& reads = is_Read);
 void note_Unread(const std::vector<Setting>& settings, const Reads& reads, const char* what,
                  std::ostream& err);
 
+// The value of a parameter that was set last, or its default; `Kept` is the kind that holds it.
+template <typename Kept>
+Kept find_Value(const std::vector<Setting>& settings, const char* name) {
+  const Parameter& parameter = find_Parameter(name);
+  Kept value = std::get<Kept>(parameter.standard);
+  for (const Setting& setting : settings) {
+    if (setting.parameter == &parameter) value = std::get<Kept>(setting.value);
+  }
+  return value;
+}
+
 std::string show_Value(const Value& value);
 const char* show_Kind(Kind kind);
 

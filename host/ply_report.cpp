@@ -11,4 +11,14 @@ void write_Ply(std::ostream& out, const Part& part, const Answer& answer) {
                  [&](size_t i) { return pick_Colour(answer.region_of[i]); }, put_Region});
 }
 
+void write_Rims(std::ostream& out, const Answer& answer) {
+  for (const RoiAnswer& roi : answer.rois) {
+    for (const Region& region : roi.regions) {
+      for (const RimCurve& curve : region.rim.curves) {
+        write_Curve(out, "lnd(" + pad_Number(region.number) + ")", curve.placed);
+      }
+    }
+  }
+}
+
 }  // namespace undercut::host

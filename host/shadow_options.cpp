@@ -13,6 +13,9 @@ Examples:
       it in MeshLab), classify/undercut.json, and a table here.
   undercut classify part.stl --axis 0,0,1 --against vice.stl --against neighbour.stl
       Fixtures cast shadow too; the table tells how much of the undercut is theirs.
+  undercut classify part.stl --corridor 0,0,5,1,0,0 --axis 0,0,1 --axis 1,0,2 --width 2
+      A tool follows the line through 0,0,5 along X, first upright, then leant forward: what of a
+      band of 2 mm is blocked at one of the two poses, and what at both.
 )";
 
 constexpr const char* kDepthExamples = R"(
@@ -53,9 +56,9 @@ void check_Shadow(const ShadowWords& words, const Reads& reads, ShadowOptions& o
 
 }  // namespace
 
-bool is_ReadByClassify(const Parameter& parameter) {
+bool is_ReadByClassify(const Parameter& parameter, bool corridor) {
   const std::string name = parameter.name();
-  return name == "ucs.f_tol" || name == "ucs.f_dil";
+  return name == "ucs.f_tol" || name == (corridor ? kWidth : "ucs.f_dil");
 }
 
 bool is_ReadByDepth(const Parameter& parameter, bool against) {
@@ -72,6 +75,9 @@ CLI::App* add_Classify(CLI::App& app, ShadowWords& words) {
   CLI::App* command =
       app.add_subcommand("classify", "Tell which triangles no axis of a set reaches");
   add_Shadow(*command, words, "classify");
+  add_Corridor(*command, words.corridor,
+               "A tool follows slabs round a line, given by a point and a direction: one slab, and "
+               "one pose, for each --axis. Tells what is blocked at some pose, and at every pose");
   command->footer(kClassifyExamples);
   return command;
 }
@@ -88,7 +94,14 @@ CLI::App* add_Depth(CLI::App& app, ShadowWords& words) {
 
 ShadowOptions check_Classify(const ShadowWords& words) {
   ShadowOptions options;
-  check_Shadow(words, is_ReadByClassify, options);
+  const bool corridor = words.corridor.line.has_value();
+  check_Shadow(
+      words, [&](const Parameter& p) { return is_ReadByClassify(p, corridor); }, options);
+  if (corridor) {
+    options.corridor = check_Corridor(words.corridor, words.axes, options.settings);
+  } else if (words.corridor.width) {
+    throw UsageError("--width is for --corridor: leave it out, or give the corridor's line.");
+  }
   return options;
 }
 

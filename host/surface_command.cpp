@@ -11,7 +11,7 @@ double since_Ms(std::chrono::steady_clock::time_point start) {
 }
 
 void hand_Over(OutputFolder& folder, const Json& document, bool print_document, std::ostream& out,
-               const std::function<void()>& write_Table) {
+               const std::function<void()>& write_Table, const std::string& more) {
   const std::string json = print_Json(document);
   folder.file(1) << json;
   folder.commit();
@@ -20,7 +20,8 @@ void hand_Over(OutputFolder& folder, const Json& document, bool print_document, 
     return;
   }
   write_Table();
-  out << "\nWritten: " << folder.path(0).string() << ", " << folder.path(1).string() << "\n";
+  out << "\nWritten: " << folder.path(0).string() << ", " << folder.path(1).string() << more
+      << "\n";
 }
 
 }  // namespace undercut::host

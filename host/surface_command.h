@@ -4,6 +4,7 @@
 #include <chrono>
 #include <functional>
 #include <iosfwd>
+#include <string>
 
 #include "errors.h"
 #include "json_parts.h"
@@ -14,9 +15,10 @@ namespace undercut::host {
 // Milliseconds that have passed.
 double since_Ms(std::chrono::steady_clock::time_point start);
 
-// Writes the document to the second file of the folder, the first being written already, and gives
-// both their names. Then prints the document, or the table and where the files are.
+// Writes the document to the second file of the folder, the others being written already, and gives
+// all of them their names. Then prints the document, or the table and where the files are: the
+// first two, and what `more` tells of others.
 void hand_Over(OutputFolder& folder, const Json& document, bool print_document, std::ostream& out,
-               const std::function<void()>& write_Table);
+               const std::function<void()>& write_Table, const std::string& more = "");
 
 }  // namespace undercut::host

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <iomanip>
 #include <ostream>
 
@@ -20,9 +21,15 @@ std::string show_Needed(const RoiAnswer& roi) {
 }
 
 void write_Line(std::ostream& out, const std::string& name, size_t count, double area, double whole,
-                const std::string& axis) {
+                const std::string& more) {
   out << std::setw(8) << name << std::setw(12) << count << std::setw(14) << fixed_Text(area, 3)
-      << std::setw(10) << show_Percent(area, whole) << axis << "\n";
+      << std::setw(10) << show_Percent(area, whole) << more << "\n";
+}
+
+// A share in a column of its own; "-" of nothing.
+std::string show_Column(double share) {
+  const std::string text = std::isnan(share) ? "-" : show_Percent(share, 1.0);
+  return std::string(text.size() < 10 ? 10 - text.size() : 0, ' ') + text;
 }
 
 void write_Roi(std::ostream& out, const RoiAnswer& roi, size_t index) {
@@ -36,10 +43,12 @@ void write_Roi(std::ostream& out, const RoiAnswer& roi, size_t index) {
     out << "  " << count_Word(roi.roi.repeated, "repeated entry", "repeated entries")
         << " of the list left out.\n";
   }
-  out << "  region   triangles      area mm2     share   axis, from the part towards the tool\n";
+  out << "  region   triangles      area mm2     share      seen  rim seen   axis, from the part "
+         "towards the tool\n";
   for (const Region& region : roi.regions) {
     write_Line(out, std::to_string(region.number), region.triangles.size(), region.area, roi.area,
-               "  " + show_Direction(region.axis));
+               show_Column(region.sight.share) + show_Column(region.sight.rim_share) + "  " +
+                   show_Direction(region.axis));
   }
   write_Line(out, "free", roi.free.size(), roi.area - roi.covered, roi.area, "");
 }

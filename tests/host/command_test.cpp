@@ -29,7 +29,8 @@ TEST_F(Command, Decompose_WritesResultsAndATable) {
   EXPECT_EQ(ran.status, 0) << ran.err;
   EXPECT_TRUE(has_Text(ran.out, "part.stl: 288 triangles, 169 vertices")) << ran.out;
   EXPECT_TRUE(has_Text(ran.out, "Region of interest 0 (whole mesh): done"));
-  EXPECT_TRUE(has_Text(ran.out, "Written: regions/regions.ply, regions/regions.json"));
+  EXPECT_TRUE(
+      has_Text(ran.out, "Written: regions/regions.ply, regions/regions.json, regions/rims.pol"));
   EXPECT_EQ(ran.err, "");
   const Json json = Json::parse(load_File(folder.path / "regions/regions.json"));
   EXPECT_EQ(json["input"]["triangles"], 288);
@@ -39,7 +40,7 @@ TEST_F(Command, Decompose_WritesResultsAndATable) {
 TEST_F(Command, Decompose_LeavesNoTemporaryFiles) {
   run("decompose part.stl --whole -o out/deep");
   EXPECT_EQ(
-      std::distance(fs::directory_iterator(folder.path / "out/deep"), fs::directory_iterator()), 2);
+      std::distance(fs::directory_iterator(folder.path / "out/deep"), fs::directory_iterator()), 3);
 }
 
 TEST_F(Command, Decompose_ADomeIsCoveredByRegionsReachedFromAbove) {

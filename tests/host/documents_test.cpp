@@ -61,6 +61,9 @@ TEST_F(DocumentsOfTheCommand, Axis_NothingElsePassesTheSchema) {
 TEST_F(DocumentsOfTheCommand, Undercut_NothingElsePassesTheSchema) {
   check("undercut", "classify part.stl --axis 0,0,1 --against upper.stl -o a", "a/undercut.json");
   check("undercut", "classify part.stl --axis 0,0,1 --roi roi.txt -o b", "b/undercut.json");
+  const std::string corridor = "classify part.stl --axis 0,0,1 --corridor 0,2.5,0,1,0,0";
+  check("undercut", corridor + " --against upper.stl -o c", "c/undercut.json");
+  check("undercut", corridor + " --width 2 -o d", "d/undercut.json");
 }
 
 TEST_F(DocumentsOfTheCommand, Depth_NothingElsePassesTheSchema) {
@@ -68,10 +71,49 @@ TEST_F(DocumentsOfTheCommand, Depth_NothingElsePassesTheSchema) {
   check("depth", "depth part.stl --axis 0,0,1 --roi roi.txt --max 1 -o b", "b/depth.json");
 }
 
+TEST_F(DocumentsOfTheCommand, Rim_NothingElsePassesTheSchema) {
+  check("rim", "rim part.stl --axis 0,0,1 -o a", "a/rim.json");
+  check("rim", "rim part.stl --axis 0,0,1 --method edges --set f_tol=0.01 -o b", "b/rim.json");
+  check("rim", "rim part.stl --axis 0,0,1 --method grid-roi --roi roi.txt -o c", "c/rim.json");
+}
+
+TEST_F(DocumentsOfTheCommand, Inside_NothingElsePassesTheSchema) {
+  folder.write("a.pol", "<0>\n2 2 1\n7 2 1\n7 6 1\n</0>\n");
+  check("inside", "inside part.stl --curve a.pol -o a", "a/inside.json");
+}
+
 TEST_F(DocumentsOfTheCommand, Regions_NothingElsePassesTheSchema) {
   folder.write("dome.stl", make_BinaryStl(make_Dome(12)));
   check("regions", "decompose dome.stl --whole --max-edge 5 -o a", "a/regions.json");
   check("regions", "decompose dome.stl --plain --set n_con=3 -o b", "b/regions.json");
+}
+
+TEST_F(DocumentsOfTheCommand, Projection_NothingElsePassesTheSchema) {
+  folder.write("p.asc", "3 3 2\n");
+  folder.write("p.pol", "<000>\n3 3 2\n4 3 2\n4 4 2\n</000>\n");
+  folder.write("f.trf", "1 0 0 0\n0 1 0 0\n0 0 1 0\n0 0 0 1\n");
+  check("projection", "project part.stl --points p.asc --axis 0,0,1 -o a", "a/projection.json");
+  check("projection", "project part.stl --points p.pol --frame f.trf -o b", "b/projection.json");
+  check("projection", "project part.stl --line 3,3,2,0,0,1 -o c", "c/projection.json");
+  check("projection", "project part.stl --line 30,3,2,0,0,1 -o d", "d/projection.json");
+}
+
+TEST_F(DocumentsOfTheCommand, Statistics_NothingElsePassesTheSchema) {
+  std::string values;
+  for (int i = 0; i < 480; ++i) values += "1.5\n";
+  folder.write("v.txt", values);
+  check("statistics", "statistics part.stl --axis 0,0,1 -o a", "a/statistics.json");
+  check(
+      "statistics",
+      "statistics part.stl --axis 0,0,1 --roi roi.txt --values v.txt --allowed --set n_con=3 -o b",
+      "b/statistics.json");
+}
+
+TEST_F(DocumentsOfTheCommand, Components_NothingElsePassesTheSchema) {
+  check("components", "components part.stl -o a", "a/components.json");
+  check("components",
+        "components part.stl --roi roi.txt --min-area 3 --corridor 0,0,0,1,0,0 --axis 0,0,1 -o b",
+        "b/components.json");
 }
 
 TEST_F(DocumentsOfTheCommand, Parameters_NothingElsePassesTheSchema) {
@@ -98,7 +140,7 @@ TEST(Schemas, WhatTheyShareIsTheSameInAll) {
       EXPECT_EQ(place->second, definition) << entry.path() << ": " << name;
     }
   }
-  EXPECT_EQ(files, 5u);
+  EXPECT_EQ(files, 10u);
 }
 
 // Every key that a schema names is told in the manual.

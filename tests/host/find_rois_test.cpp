@@ -304,7 +304,7 @@ Json strip_Sources(const Json& json) {
 TEST_F(SearchCommand, Decompose_FindsTheAxisAndDividesThePatches) {
   const Json json = answer("decompose part.stl --set F_quo=0");
   const Part part = make_Part(make_Block(is_SidePocket));
-  EXPECT_EQ(json["schema"], 2);
+  EXPECT_EQ(json["schema"], 3);
   EXPECT_EQ(json["search"]["axis"], Json({0.0, -1.0, 0.0}));
   EXPECT_EQ(json["search"]["found_by"], "flat faces");
   EXPECT_EQ(json["search"]["patches"], 2);

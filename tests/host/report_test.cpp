@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
+
 #include <set>
 #include <sstream>
 
@@ -147,7 +149,8 @@ TEST(JsonReport, KeysAndTheirOrderAreFixed) {
             Keys({"call", "aperture", "position", "tilt", "keep_small", "patches", "triangles",
                   "failed", "first", "second"}));
   EXPECT_EQ(list_Keys(roi["regions"][0]),
-            Keys({"number", "count", "area", "axis", "centre", "frame", "aperture", "triangles"}));
+            Keys({"number", "count", "area", "axis", "centre", "frame", "aperture", "seen", "rim",
+                  "no_rim", "triangles"}));
   EXPECT_EQ(list_Keys(roi["free"]), Keys({"count", "area", "triangles"}));
 }
 
@@ -226,14 +229,41 @@ TEST(JsonReport, BytesThatAreNoUtf8_DoNoHarm) {
   EXPECT_TRUE(Json::accept(print_Json(make_Json(e.part, {}, e.answer))));
 }
 
+TEST(JsonReport, ARegionWithoutARim_SaysWhy) {
+  Example e;
+  e.answer.rois[0].regions[0].sight = {2.25, 0.75, std::nan(""), 0, 0};
+  e.answer.rois[0].regions[0].rim.failure = "too small";
+  RimCurve curve;
+  curve.flat = {{0, 0, 0}, {2, 0, 0}, {2, 1, 0}};
+  curve.length = 5.0;
+  curve.area = 1.0;
+  e.answer.rois[0].regions[1].rim.curves = {curve};
+  const Json json = Json::parse(print_Json(make_Json(e.part, {}, e.answer)));
+  const Json& regions = json["regions_of_interest"][0]["regions"];
+  EXPECT_TRUE(regions[0]["rim"].is_null());
+  EXPECT_EQ(regions[0]["no_rim"], "too small");
+  EXPECT_TRUE(regions[0]["seen"]["rim_share"].is_null());
+  EXPECT_EQ(regions[0]["seen"]["share"], 0.75);
+  EXPECT_TRUE(regions[1]["no_rim"].is_null());
+  EXPECT_EQ(regions[1]["rim"],
+            Json::parse(R"([{"closed":true,"hole":false,"count":3,"length":5.0,"area":1.0,
+                            "points":[[0.0,0.0],[2.0,0.0],[2.0,1.0]]}])"));
+}
+
 TEST(TableReport, NamesRegionsSharesAndWhatWasNeeded) {
-  const Example e;
+  Example e;
+  e.answer.rois[0].regions[0].sight = {2.25, 0.75, 0.5, 8, 4};
+  e.answer.rois[0].regions[1].sight = {1.0, 1.0, std::nan(""), 0, 0};
   std::ostringstream out;
   write_Table(out, e.part, {}, e.answer);
   const std::string text = out.str();
   EXPECT_TRUE(has_Text(text, "strip.stl: 6 triangles, 8 vertices")) << text;
   EXPECT_TRUE(has_Text(text, "(list.txt): done; 2 calls, aperture down to 40 deg, halved 1 time"));
-  EXPECT_TRUE(has_Text(text, "1           3         3.000    60.0 %     0.0000   0.0000   1.0000"));
+  EXPECT_TRUE(has_Text(text,
+                       "1           3         3.000    60.0 %    75.0 %    50.0 %     0.0000   "
+                       "0.0000   1.0000"))
+      << text;
+  EXPECT_TRUE(has_Text(text, "20.0 %   100.0 %         -     1.0000")) << "no rim, no share";
   EXPECT_TRUE(has_Text(text, "1 repeated entry of the list left out"));
   EXPECT_TRUE(has_Text(text, "2 regions cover 80.0 % of 5.000 mm2"));
   EXPECT_FALSE(has_Text(text, "-0.0000"));

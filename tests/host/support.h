@@ -113,7 +113,8 @@ inline std::string check_Documents(const std::string& documents) {
 inline std::string find_Documents(const Folder& folder, const std::string& arguments) {
   std::string list;
   for (const auto& entry : fs::recursive_directory_iterator(folder.path)) {
-    for (const char* name : {"axis", "undercut", "depth", "regions"}) {
+    for (const char* name : {"axis", "undercut", "depth", "regions", "rim", "inside", "projection",
+                             "statistics", "components"}) {
       if (entry.path().filename() != std::string(name) + ".json") continue;
       list += std::string(" ") + name + "='" + entry.path().string() + "'";
     }
