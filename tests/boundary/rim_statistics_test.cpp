@@ -223,7 +223,7 @@ TEST_F(RimStatistics, RateEveryTriangleAsARegionOfItsOwn) {
   for (uint32_t t = 0; t < sheet.tri.size(); ++t) singles.push_back({t});
   sheet.set_Regions(singles);
   ASSERT_EQ(sheet.call(get_Stb), 0);
-  ASSERT_TRUE(sheet.res.sta);
+  ASSERT_TRUE(sheet.res.sta != nullptr);
   for (uint32_t k = 0; k < singles.size(); ++k) ASSERT_EQ(sheet.sta(k).rim, 3u);
 }
 

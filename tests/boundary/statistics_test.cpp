@@ -178,7 +178,7 @@ TEST_F(SurfaceStatistics, RateEveryTriangleAsARegionOfItsOwn) {
   for (uint32_t t = 0; t < sheet.tri.size(); ++t) singles.push_back({t});
   sheet.set_Regions(singles);
   ASSERT_EQ(sheet.call(get_Sta), 0);
-  ASSERT_TRUE(sheet.res.sta);
+  ASSERT_TRUE(sheet.res.sta != nullptr);
   for (uint32_t k = 0; k < singles.size(); ++k) ASSERT_GT(sheet.sta(k).area, 0.0);
 }
 
