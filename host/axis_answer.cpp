@@ -34,7 +34,7 @@ class Measuring {
  public:
   Measuring(const Part& part, AxisAnswer& answer)
       : mesh_(part.mesh), whole_(whole_Roi(part).triangles), answer_(answer) {
-    answer_.part = measure(mesh_, whole_, [](uint32_t) { return true; });
+    answer_.part = measure(mesh_, whole_);
     answer_.seen_by.assign(mesh_.triangles.size(), 0);
   }
 
@@ -105,7 +105,7 @@ AxisAnswer find_Axes(const AxisOptions& options, const Part& part, std::ostream*
     // direction of the tool.
     const double side = options.machine == 3 ? 1.0 : -1.0;
     result.axis = unit_Vec(side * result.found.frame.z);
-    result.region = measure(part.mesh, roi.triangles, [](uint32_t) { return true; });
+    result.region = measure(part.mesh, roi.triangles);
     result.roi = std::move(roi);
     measuring.run(result, options.machine);
     answer.axes.push_back(std::move(result));

@@ -39,7 +39,7 @@ ClassifyAnswer classify_Part(const ShadowOptions& options, const Part& part,
   ClassifyAnswer answer;
   answer.roi = read_Together(options.rois, part);
   const std::vector<uint32_t>& list = answer.roi.triangles;
-  answer.region = measure(part.mesh, list, [](uint32_t) { return true; });
+  answer.region = measure(part.mesh, list);
   answer.others = read_Parts(options.against);
   const bool alone = answer.others.empty();
   const std::vector<bool> hidden =

@@ -80,7 +80,7 @@ void keep_Bands(const Course& course, const Mesh& mesh, ClassifyAnswer& answer) 
     return std::none_of(course.bands.begin(), course.bands.end(),
                         [i](const Marks& band) { return band[i]; });
   });
-  answer.region = measure(mesh, answer.roi.triangles, [](uint32_t) { return true; });
+  answer.region = measure(mesh, answer.roi.triangles);
   for (const Marks& band : course.bands) {
     answer.corridor->bands.push_back(
         measure(mesh, answer.roi.triangles, [&](uint32_t i) { return band[i]; }));

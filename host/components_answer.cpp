@@ -73,11 +73,10 @@ ComponentsAnswer split_Part(const ComponentsOptions& options, const Part& part) 
   ComponentsAnswer answer;
   answer.roi = read_Together(options.rois, part);
   if (options.corridor) keep_Corridor(options, part, answer.roi);
-  answer.region = measure(part.mesh, answer.roi.triangles, [](uint32_t) { return true; });
+  answer.region = measure(part.mesh, answer.roi.triangles);
   const Lists lists = find_Pieces(part.mesh, answer.roi.triangles);
   for (const std::vector<uint32_t>& list : lists) {
-    answer.pieces.push_back(
-        {list, measure(part.mesh, list, [](uint32_t) { return true; }), {}, true});
+    answer.pieces.push_back({list, measure(part.mesh, list), {}, true});
   }
   std::vector<double> values;
   if (!options.values.empty()) {

@@ -13,8 +13,7 @@ std::vector<std::vector<uint32_t>> copy_Lists(const TLstLstU32& lists) {
   std::vector<std::vector<uint32_t>> copies;
   copies.reserve(lists.count);
   for (uint32_t k = 0; k < lists.count; ++k) {
-    const TLstU32 list = lists.data[k];
-    copies.emplace_back(list.data, list.data + list.count);
+    copies.push_back(copy_List(lists.data[k]));
   }
   return copies;
 }
@@ -29,8 +28,7 @@ struct CurveSets {
     for (const std::vector<Curve>& set : given) {
       curves.emplace_back();
       for (const Curve& curve : set) {
-        curves.back().push_back(
-            {const_cast<T3DVEC*>(curve.data()), static_cast<uint32_t>(curve.size())});
+        curves.back().push_back(view_Points(curve));
       }
       sets.push_back({curves.back().data(), static_cast<uint32_t>(curves.back().size())});
     }

@@ -118,13 +118,9 @@ ComponentsOptions check_Components(const ComponentsWords& words) {
       words,
       [&](const Parameter& p) { return is_ReadByComponents(p, words.corridor.line.has_value()); },
       options);
-  if (words.values && words.values->empty()) {
-    throw UsageError("--values: the name of the file is empty.");
-  }
-  options.values = words.values.value_or("");
+  if (words.values) options.values = check_File("--values", *words.values);
   for (const std::string& text : words.outside) {
-    if (text.empty()) throw UsageError("--outside: the name of the file is empty.");
-    options.outside.emplace_back(text);
+    options.outside.emplace_back(check_File("--outside", text));
   }
   if (words.merge) {
     options.settings.push_back(

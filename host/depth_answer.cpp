@@ -35,7 +35,7 @@ DepthAnswer find_Answer(const ShadowOptions& options, const Part& part, std::ost
 
 void sort_Depths(const Mesh& mesh, const std::optional<double>& top, DepthAnswer& answer) {
   const std::vector<uint32_t>& list = answer.roi.triangles;
-  answer.region = measure(mesh, list, [](uint32_t) { return true; });
+  answer.region = measure(mesh, list);
   for (const uint32_t triangle : list) {
     // What is not a number is passed over.
     answer.largest = std::fmax(answer.largest, answer.depths[triangle]);

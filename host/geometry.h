@@ -37,6 +37,11 @@ inline T3DVEC unit_Vec(const T3DVEC& a) {
   return length > 0.0 ? T3DVEC{a.x / length, a.y / length, a.z / length} : a;
 }
 
+// What is told in a frame, in the coordinates that the frame is told in.
+inline T3DVEC place_Point(const T3DFRM& frame, const T3DVEC& p) {
+  return frame.org + p.x * frame.x + p.y * frame.y + p.z * frame.z;
+}
+
 inline bool is_Finite(const T3DVEC& a) {
   return std::isfinite(a.x) && std::isfinite(a.y) && std::isfinite(a.z);
 }

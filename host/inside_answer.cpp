@@ -40,11 +40,11 @@ std::vector<GivenCurve> read_Given(const InsideOptions& options, const Mesh& mes
   return given;
 }
 
-std::vector<uint32_t> call_Library(const Mesh& mesh, std::vector<GivenCurve>& given) {
+std::vector<uint32_t> call_Library(const Mesh& mesh, const std::vector<GivenCurve>& given) {
   std::vector<TArrVec> views;
   views.reserve(given.size());
-  for (GivenCurve& curve : given) {
-    views.push_back({curve.laid.data(), static_cast<uint32_t>(curve.laid.size())});
+  for (const GivenCurve& curve : given) {
+    views.push_back(view_Points(curve.laid));
   }
   TUcReq request = make_Request(mesh);
   request.arg = {views.data(), static_cast<uint32_t>(views.size())};
@@ -60,7 +60,7 @@ std::vector<uint32_t> call_Library(const Mesh& mesh, std::vector<GivenCurve>& gi
   check_Status(status, "tell what lies inside the curves");
   const TLstLstU32 lists = result.record.com;
   if (lists.count == 0) return {};
-  return {lists.data[0].data, lists.data[0].data + lists.data[0].count};
+  return copy_List(lists.data[0]);
 }
 
 }  // namespace
@@ -72,7 +72,7 @@ InsideAnswer find_Inside(const InsideOptions& options, const Part& part) {
   answer.triangles = call_Library(part.mesh, answer.curves);
   std::vector<bool> inside(part.mesh.triangles.size(), false);
   for (const uint32_t triangle : answer.triangles) inside[triangle] = true;
-  answer.part = measure(part.mesh, whole, [](uint32_t) { return true; });
+  answer.part = measure(part.mesh, whole);
   answer.inside = measure(part.mesh, whole, [&](uint32_t i) { return inside[i]; });
   answer.outside = measure(part.mesh, whole, [&](uint32_t i) { return !inside[i]; });
   return answer;

@@ -42,8 +42,7 @@ InsideOptions check_Inside(const InsideWords& words) {
   }
   InsideOptions options{words.part, {}, words.reverse, words.folder, words.json};
   for (const std::string& text : words.curves) {
-    if (text.empty()) throw UsageError("--curve: the name of the file is empty.");
-    options.curves.emplace_back(text);
+    options.curves.emplace_back(check_File("--curve", text));
   }
   return options;
 }

@@ -87,8 +87,7 @@ std::vector<FoundRegion> copy_Slot(const TUcRes& result, uint32_t slot) {
   const TLstFrm frames = result.uca_f.data[slot];
   for (uint32_t k = 0; k < lists.count && k < axes.count && k < frames.count; ++k) {
     const TLstU32 list = lists.data[k];
-    regions.push_back(
-        {std::vector<uint32_t>(list.data, list.data + list.count), axes.data[k], frames.data[k]});
+    regions.push_back({copy_List(list), axes.data[k], frames.data[k]});
   }
   return regions;
 }
@@ -175,7 +174,7 @@ bool LibraryCall::run_Together(const std::vector<Patch>& patches, std::vector<Ou
   for (uint32_t i = 0; i < count && i < result.record.sts.count; ++i) {
     const TUcSts status = result.record.sts.data[i];
     const TLstU32 rest = lists[i];
-    outcomes[i] = {status.first, status.second, {}, {rest.data, rest.data + rest.count}};
+    outcomes[i] = {status.first, status.second, {}, copy_List(rest)};
     doubtful += is_Doubtful(outcomes[i]) ? 1 : 0;
   }
   const uint32_t slots = result.record.uca_t.count;

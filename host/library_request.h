@@ -39,6 +39,11 @@ inline std::vector<TLstU32> view_Lists(const std::vector<std::vector<uint32_t>>&
   return views;
 }
 
+// A view of points, which must outlive it.
+inline TArrVec view_Points(const std::vector<T3DVEC>& points) {
+  return {const_cast<T3DVEC*>(points.data()), static_cast<uint32_t>(points.size())};
+}
+
 // Names the regions of a request: views that must outlive it.
 inline void set_Regions(TUcReq& request, std::vector<TLstU32>& views) {
   const auto count = static_cast<uint32_t>(views.size());

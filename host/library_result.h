@@ -3,6 +3,8 @@
 
 #include <undercut/exports.h>
 
+#include <vector>
+
 namespace undercut::host {
 
 struct LibraryResult {
@@ -12,5 +14,10 @@ struct LibraryResult {
   LibraryResult& operator=(const LibraryResult&) = delete;
   ~LibraryResult() { clr_Res(&record); }
 };
+
+// A list of a result, to keep.
+inline std::vector<uint32_t> copy_List(const TLstU32& list) {
+  return {list.data, list.data + list.count};
+}
 
 }  // namespace undercut::host

@@ -65,8 +65,13 @@ void add_List(CLI::App& command, const char* name, std::vector<std::string>& lis
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
+const std::string& check_File(const std::string& option, const std::string& name) {
+  if (name.empty()) throw UsageError(option + ": the name of the file is empty.");
+  return name;
+}
+
 void check_Names(const std::string& part, const std::string& folder) {
-  if (part.empty()) throw UsageError("PART: the name of the file is empty.");
+  check_File("PART", part);
   if (folder.empty()) throw UsageError("-o: the name of the folder is empty.");
 }
 

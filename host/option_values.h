@@ -39,6 +39,9 @@ void add_Single(CLI::App& command, const char* name, Value& value, const char* h
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
 }
 
+// The name of a file that an option gives. Throws UsageError for an empty one.
+const std::string& check_File(const std::string& option, const std::string& name);
+
 // Throws UsageError for names that are empty.
 void check_Names(const std::string& part, const std::string& folder);
 

@@ -31,10 +31,6 @@ const Item& pick_Item(const std::vector<Item>& items, size_t k) {
   return items.size() == 1 ? items[0] : items[k];
 }
 
-T3DVEC place_Point(const T3DFRM& frame, const T3DVEC& p) {
-  return frame.org + p.x * frame.x + p.y * frame.y + p.z * frame.z;
-}
-
 void read_Area(const std::filesystem::path& path, MovedArea& area) {
   area.source = path.string();
   if (!is_CurveFile(path)) {
@@ -64,7 +60,7 @@ Roi pick_Triangles(const ProjectOptions& options, const Part& part, size_t k) {
 MovedArea make_Area(const ProjectOptions& options, const Part& part, size_t k) {
   MovedArea area;
   area.roi = pick_Triangles(options, part, k);
-  area.region = measure(part.mesh, area.roi.triangles, [](uint32_t) { return true; });
+  area.region = measure(part.mesh, area.roi.triangles);
   read_Area(options.points[k], area);
   area.in_frame = !options.frames.empty();
   if (area.in_frame) {
@@ -132,18 +128,12 @@ std::string print_Points(const std::vector<T3DVEC>& points) {
   return text.str();
 }
 
-// "000", "001", ...
-std::string show_Tag(size_t k) {
-  const std::string number = std::to_string(k);
-  return std::string(number.size() < 3 ? 3 - number.size() : 0, '0') + number;
-}
-
 std::string print_Curves(const MovedArea& area) {
   std::ostringstream text;
   auto from = area.after.begin();
   for (size_t k = 0; k < area.curves.size(); ++k) {
     const auto to = from + static_cast<std::ptrdiff_t>(area.curves[k]);
-    write_Curve(text, show_Tag(k), {from, to});
+    write_Curve(text, pad_Number(k), {from, to});
     from = to;
   }
   return text.str();

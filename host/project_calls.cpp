@@ -12,8 +12,7 @@ std::vector<std::vector<T3DVEC>> move_Points(const Mesh& mesh,
   std::vector<T3DFRM> frames;
   for (const PointsArea& area : areas) {
     lists.push_back(view_List(area.triangles));
-    points.push_back(
-        {const_cast<T3DVEC*>(area.points.data()), static_cast<uint32_t>(area.points.size())});
+    points.push_back(view_Points(area.points));
     frames.push_back(area.frame);
   }
   const auto count = static_cast<uint32_t>(areas.size());

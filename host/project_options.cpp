@@ -39,8 +39,7 @@ void check_Lines(const ProjectWords& words, ProjectOptions& options) {
 
 void check_Areas(const ProjectWords& words, ProjectOptions& options) {
   for (const std::string& text : words.points) {
-    if (text.empty()) throw UsageError("--points: the name of the file is empty.");
-    options.points.emplace_back(text);
+    options.points.emplace_back(check_File("--points", text));
   }
   if (words.axes.empty() == words.frames.empty()) {
     throw UsageError(words.axes.empty()

@@ -40,8 +40,6 @@ struct CorridorRequest : AxesRequest {
   }
 };
 
-std::vector<uint32_t> copy_List(const TLstU32& list) { return {list.data, list.data + list.count}; }
-
 }  // namespace
 
 RegisteredMesh::RegisteredMesh(const Mesh& mesh) : near_(1e-7 * find_Far(mesh)) {

@@ -149,7 +149,7 @@ RimAnswer find_Rim(const RimOptions& options, const Part& part) {
   answer.frame =
       options.frame.empty() ? make_AxisFrame(options.axis) : read_AnyFrame(options.frame);
   answer.roi = read_Together(options.rois, part);
-  answer.region = measure(part.mesh, answer.roi.triangles, [](uint32_t) { return true; });
+  answer.region = measure(part.mesh, answer.roi.triangles);
   set_Parameters({options.settings, {}, false});
   // Rims know nothing of triangles that grow.
   const double none = 0.0;
@@ -160,7 +160,7 @@ RimAnswer find_Rim(const RimOptions& options, const Part& part) {
   } else {
     find_Area(options, part, answer);
   }
-  answer.extent = measure(part.mesh, answer.area, [](uint32_t) { return true; });
+  answer.extent = measure(part.mesh, answer.area);
   fit_ToWidth(options, part.mesh, answer);
   std::vector<Curve> curves;
   const int32_t status = trace_Rim(

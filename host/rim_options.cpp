@@ -60,8 +60,7 @@ void check_Axis(const RimWords& words, RimOptions& options) {
     throw UsageError("--frame tells the axis too, by its Z: leave --axis out, or --frame.");
   }
   if (words.frame) {
-    if (words.frame->empty()) throw UsageError("--frame: the name of the file is empty.");
-    options.frame = *words.frame;
+    options.frame = check_File("--frame", *words.frame);
   } else if (words.axis) {
     options.axis = unit_Vec(parse_Direction("--axis", *words.axis));
   } else {

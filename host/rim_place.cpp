@@ -163,8 +163,7 @@ std::vector<RimCurve> place_Curves(const Mesh& mesh, const std::vector<uint32_t>
     for (const T3DVEC& p : flat) heights.push_back(list_Heights(border, p, slack));
     const std::vector<double> chosen = choose_Heights(heights);
     for (size_t i = 0; i < flat.size(); ++i) {
-      rim.placed.push_back(frame.org + flat[i].x * frame.x + flat[i].y * frame.y +
-                           chosen[i] * frame.z);
+      rim.placed.push_back(place_Point(frame, {flat[i].x, flat[i].y, chosen[i]}));
     }
     rim.length = measure_Length(flat);
     const double area_signed = measure_Area(flat);

@@ -49,8 +49,7 @@ void check_Shadow(const ShadowWords& words, const Reads& reads, ShadowOptions& o
     options.axes.push_back(unit_Vec(parse_Direction("--axis", text)));
   }
   for (const std::string& text : words.against) {
-    if (text.empty()) throw UsageError("--against: the name of the file is empty.");
-    options.against.emplace_back(text);
+    options.against.emplace_back(check_File("--against", text));
   }
 }
 

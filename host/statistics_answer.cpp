@@ -112,7 +112,7 @@ StatisticsAnswer rate_Part(const StatisticsOptions& options, const Part& part) {
   answer.rois = asked.rois;
   answer.rated = pair_Up(asked);
   for (const Roi& roi : answer.rois) {
-    answer.extents.push_back(measure(part.mesh, roi.triangles, [](uint32_t) { return true; }));
+    answer.extents.push_back(measure(part.mesh, roi.triangles));
   }
   Lists lists;
   std::vector<T3DVEC> axes;

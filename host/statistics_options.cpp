@@ -61,12 +61,8 @@ StatisticsOptions check_Statistics(const StatisticsWords& words) {
   StatisticsOptions options;
   check_Surface(
       words, [&](const Parameter& p) { return is_ReadByStatistics(p, words.allowed); }, options);
-  if (words.regions && words.regions->empty()) {
-    throw UsageError("--regions: the name of the file is empty.");
-  }
-  if (words.values && words.values->empty()) {
-    throw UsageError("--values: the name of the file is empty.");
-  }
+  if (words.regions) options.regions = check_File("--regions", *words.regions);
+  if (words.values) options.values = check_File("--values", *words.values);
   if (words.regions && !words.rois.empty()) {
     throw UsageError("--regions and --roi both name regions: leave one of them out.");
   }
@@ -81,8 +77,6 @@ StatisticsOptions check_Statistics(const StatisticsWords& words) {
   for (const std::string& text : words.axes) {
     options.axes.push_back(unit_Vec(parse_Direction("--axis", text)));
   }
-  options.regions = words.regions.value_or("");
-  options.values = words.values.value_or("");
   options.allowed = words.allowed;
   if (words.up) options.up = parse_Direction("--up", *words.up);
   return options;

@@ -32,6 +32,11 @@ Extent measure(const Mesh& mesh, const std::vector<uint32_t>& triangles, const T
   return extent;
 }
 
+// Of all triangles of a list.
+inline Extent measure(const Mesh& mesh, const std::vector<uint32_t>& triangles) {
+  return measure(mesh, triangles, [](uint32_t) { return true; });
+}
+
 // The triangles of several files as one region of interest, the whole part without any. Those that
 // an earlier file names are left out, and counted as repeated. Throws InputError.
 Roi read_Together(const std::vector<std::filesystem::path>& paths, const Part& part);
