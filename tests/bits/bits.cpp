@@ -1,32 +1,17 @@
 // Prints a hash of every result of a fixed set of calls. Two builds agree when their prints do.
 #include <undercut/exports.h>
 
+#include <cinttypes>
 #include <cstdio>
-#include <cstring>
 #include <numeric>
 #include <vector>
 
 #include "bench/requests.h"
+#include "tests/support/hash.h"
 
 namespace {
 
-// FNV-1a over the bytes.
-class Hash {
- public:
-  void add(const void* bytes, size_t size) {
-    const auto* p = static_cast<const unsigned char*>(bytes);
-    for (size_t i = 0; i < size; ++i) value_ = (value_ ^ p[i]) * 1099511628211ull;
-  }
-  template <typename List>
-  void add_List(const List& list) {
-    add(&list.count, sizeof list.count);
-    for (uint32_t i = 0; i < list.count; ++i) add(&list.data[i], sizeof list.data[i]);
-  }
-  unsigned long long value() const { return value_; }
-
- private:
-  unsigned long long value_ = 14695981039346656037ull;
-};
+using Hash = undercut::tests::CHash;
 
 template <typename Value>
 void set(int32_t (*setter)(const Value*), Value value) {
@@ -48,14 +33,15 @@ void print_Dcm(const char* name, bodies::TBody& body) {
   Hash hash;
   uint32_t regions = 0;
   for (uint32_t i = 0; i < res.uca_t.count; ++i) {
-    for (uint32_t k = 0; k < res.uca_t.data[i].count; ++k) hash.add_List(res.uca_t.data[i].data[k]);
+    hash.add_Lists(res.uca_t.data[i]);
     hash.add_List(res.uca_a.data[i]);
     hash.add_List(res.uca_f.data[i]);
     regions += res.uca_t.data[i].count;
   }
   hash.add_List(res.sts);
   for (const TLstU32& roi : rois) hash.add_List(roi);
-  std::printf("%-24s status %d, %2u regions, %016llx\n", name, status, regions, hash.value());
+  std::printf("%-24s status %d, %2u regions, %016" PRIx64 "\n", name, status, regions,
+              hash.value());
   clr_Res(&res);
 }
 
@@ -75,14 +61,14 @@ void print_Stc(bodies::TBody& body) {
   const int32_t status = get_Stc(&req, &res);
   Hash hash;
   if (status == 0) hash.add(res.sta, sizeof(TUcStat));
-  std::printf("%-24s status %d, %016llx\n", "sums", status, hash.value());
+  std::printf("%-24s status %d, %016" PRIx64 "\n", "sums", status, hash.value());
   clr_Res(&res);
 }
 
 void print_Hash(const char* name, int32_t status, const void* bytes, size_t size) {
   Hash hash;
   if (status == 0) hash.add(bytes, size);
-  std::printf("%-24s status %d, %016llx\n", name, status, hash.value());
+  std::printf("%-24s status %d, %016" PRIx64 "\n", name, status, hash.value());
 }
 
 // Axes, undercut and depth, along three axes and with the ball's lower half as a region.
@@ -128,7 +114,7 @@ void print_Undercut(bodies::TBody& body, bodies::TBody& other) {
 
 template <typename Lists>
 size_t add_Lists(Hash& hash, const Lists& lists) {
-  for (uint32_t i = 0; i < lists.count; ++i) hash.add_List(lists.data[i]);
+  hash.add_Lists(lists);
   return lists.count;
 }
 
@@ -142,7 +128,7 @@ void print_Projection(const bodies::TBody& body) {
     const int32_t status = computation(&request.req, &res);
     Hash hash;
     const size_t count = status == 0 ? add(hash, res) : 0;
-    std::printf("%-24s status %d, %zu, %016llx\n", name, status, count, hash.value());
+    std::printf("%-24s status %d, %zu, %016" PRIx64 "\n", name, status, count, hash.value());
     clr_Res(&res);
   };
   const auto sta = [&](Hash& hash, const TUcRes& res) {
@@ -182,12 +168,13 @@ void print_Registered(const bodies::TBody& body) {
     met += det_Prj(&line, &point) == 0;
     points.add(&point, sizeof point);
   }
-  std::printf("%-24s status %d, %u, %016llx\n", "lines onto the mesh", status, met, points.value());
+  std::printf("%-24s status %d, %u, %016" PRIx64 "\n", "lines onto the mesh", status, met,
+              points.value());
   status = det_Roi(&request.req);
   TLstU32 roi = {};
   get_Roi(&roi);
   selected.add_List(roi);
-  std::printf("%-24s status %d, %u, %016llx\n", "triangles in bands", status, roi.count,
+  std::printf("%-24s status %d, %u, %016" PRIx64 "\n", "triangles in bands", status, roi.count,
               selected.value());
   clr_Dll();
 }

@@ -13,6 +13,7 @@
 
 #include "interface/exports.h"
 #include "tests/support/curves.h"
+#include "tests/support/hash.h"
 #include "tests/support/meshes.h"
 
 namespace undercut::tests {
@@ -64,8 +65,8 @@ class CRandomRequest {
 
   // Of everything that the host owns, but for the lists of rois if told so.
   uint64_t checksum(bool with_Rois) const {
-    uint64_t sum = 0xcbf29ce484222325u;
-    const auto add = [&sum](const auto& list) { sum = add_Bytes(sum, list); };
+    CHash sum;
+    const auto add = [&sum](const auto& list) { sum.add_Array(list.data(), list.size()); };
     const auto add_All = [&](const auto& lists) {
       for (const auto& list : lists) add(list);
     };
@@ -93,18 +94,10 @@ class CRandomRequest {
     if (with_Rois) add(roi_views_);
     add(point_views_);
     add(set_views_);
-    return sum;
+    return sum.value();
   }
 
  private:
-  template <typename List>
-  static uint64_t add_Bytes(uint64_t sum, const List& list) {
-    const auto* bytes = reinterpret_cast<const unsigned char*>(list.data());
-    const size_t size = list.size() * sizeof(list[0]);
-    for (size_t i = 0; i < size; ++i) sum = (sum ^ bytes[i]) * 0x100000001b3u;
-    return sum;
-  }
-
   // ---- Meshes, of at most 60 triangles ----
   TSoup pick_Shape() {
     const auto pick = [this](uint32_t low, uint32_t high) {
