@@ -1,4 +1,5 @@
-// Smooth closed bodies with real undercuts, of any number of triangles, the same on every run.
+// Smooth closed bodies with real undercuts, and rows of walls, of any number of triangles, the same
+// on every run.
 #pragma once
 
 #include <cmath>
@@ -71,6 +72,28 @@ inline TBody make_Ball(uint32_t count) {
       body.triangles.push_back({at(i, k), at(i + 1, k), at(i + 1, k + 1)});
       body.triangles.push_back({at(i, k), at(i + 1, k + 1), at(i, k + 1)});
     }
+  return body;
+}
+
+// 170 parallel walls without thickness, 60 mm square and 1 mm apart along X, all facing +X: a view
+// along X looks at all of them behind one another. `count` triangles or some hundredths fewer.
+inline TBody make_Walls(uint32_t count) {
+  constexpr uint32_t kWalls = 170;
+  const auto across = static_cast<uint32_t>(std::sqrt(count / 2.0 / kWalls));
+  const uint32_t along = count / 2 / kWalls / across;
+  TBody body;
+  for (uint32_t wall = 0; wall < kWalls; ++wall) {
+    const auto first = static_cast<uint32_t>(body.points.size());
+    for (uint32_t i = 0; i <= along; ++i)
+      for (uint32_t k = 0; k <= across; ++k)
+        body.points.push_back({1.0 * wall, 60.0 * i / along, 60.0 * k / across});
+    const auto at = [&](uint32_t i, uint32_t k) { return first + i * (across + 1) + k; };
+    for (uint32_t i = 0; i < along; ++i)
+      for (uint32_t k = 0; k < across; ++k) {
+        body.triangles.push_back({at(i, k), at(i + 1, k), at(i + 1, k + 1)});
+        body.triangles.push_back({at(i, k), at(i + 1, k + 1), at(i, k + 1)});
+      }
+  }
   return body;
 }
 
