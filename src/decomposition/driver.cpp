@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "decomposition/filter.h"
+#include "decomposition/growth_notes.h"
 #include "decomposition/output.h"
 #include "decomposition/stage.h"
 #include "decomposition/stage_files.h"
@@ -140,6 +141,7 @@ class CDriver {
   Scoped<TLst<TLst<T3DFRM>>> out_f_;
   Scoped<TArr<TUcSts>> sts_;
   std::vector<TUcSeed> seeds_;
+  CGrowthNotes notes_;
   bool seeds_fit_ = false;  // they are those of the list of the region of interest as it is
   uint32_t slots_ = 0;      // slots that are filled, the same in the three lists
   int32_t fatal_ = 0;
@@ -222,7 +224,10 @@ void CDriver::run_Roi(CallFrame& frame, TLst<uint32_t>& roi) {
     const CStageLine stage = line("04. Calc. :: and sort UcA seeds");
     frame.at(-24);
     // A second attempt on the list as it was would get the very same seeds.
-    if (!seeds_fit_) calc_Seeds(map_, {roi.data, roi.count}, tree_, lift_, seeds_);
+    if (!seeds_fit_) {
+      notes_.forget();
+      calc_Seeds(map_, {roi.data, roi.count}, tree_, lift_, seeds_);
+    }
     seeds_fit_ = true;
   }
   files_.write_Seeds(roi, seeds_);
@@ -233,7 +238,7 @@ void CDriver::run_Roi(CallFrame& frame, TLst<uint32_t>& roi) {
   }
   files_.write_Map(StageWord::kIni);
 
-  TUcStage stage = {map_, par_, cnd_, rnk_, roi, seeds_, files_};
+  TUcStage stage = {map_, par_, cnd_, rnk_, roi, seeds_, files_, 0, &notes_};
   uint32_t pass = 0;
   uint32_t n_prev = roi.count;
   while (roi.count != 0 && (par_.n_max < 1 || pass <= static_cast<uint32_t>(par_.n_max))) {

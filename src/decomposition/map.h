@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <set>
@@ -63,6 +64,24 @@ inline bool operator<(const TUcTurn& a, const TUcTurn& b) {
   if (a.rank != b.rank) return a.rank < b.rank;
   return a.id < b.id;
 }
+
+// What was last computed of a region's axis, with what it was computed from: most triangles that a
+// region asks about want the same axis. Starts as no number, which equals nothing.
+struct TUcAim {
+  static constexpr double kNo = std::numeric_limits<double>::quiet_NaN();
+  double polar = kNo, azimuth = kNo;
+  T3DVEC wanted = {kNo, kNo, kNo};  // the axis at these angles
+  double count = kNo;
+  T3DVEC asked = {kNo, kNo, kNo}, axis = {kNo, kNo, kNo};
+  T3DVEC would = {kNo, kNo, kNo};  // the axis with one more triangle, which asks for `asked`
+};
+
+// Cosines that tell an angle from an aperture: above `inside` the angle is surely no greater, below
+// `outside` it surely is. Between them the angle itself decides.
+struct TUcCone {
+  double aperture = std::numeric_limits<double>::quiet_NaN();
+  double inside = 2, outside = -2;
+};
 
 class CMap {
  public:
@@ -125,11 +144,11 @@ class CMap {
   void fill_Frontier(CUcA& region) const;
 
   // ---- Moves ----
-  // How candidates change if the triangle moves now; changes nothing. False for a triangle or
-  // target outside, and for a target that touches the triangle only through a slot and not as a
-  // neighbour.
+  // How candidates change if the triangle moves now; changes nothing. False for a triangle or a
+  // target outside.
   bool classify_Move(uint32_t triangle, int32_t to, TUcMove& move) const;
   // Moves a triangle, makes the target if it must, destroys an emptied source other than region 0.
+  // Boundaries are left as they are: ranking fills them anew before it reads them.
   bool apply_Move(uint32_t triangle, int32_t to, TUcMoved& moved);
 
   // ---- Ranks ----
@@ -157,6 +176,9 @@ class CMap {
   bool b_ini = false;
   bool b_5ax = true;
   double w_4ax = -360.0;
+  // Only the thread that runs the computation asks for axes and angles.
+  mutable TUcAim aim;
+  mutable TUcCone cone;
 
  private:
   using Tree = AVLTree<CPair<int32_t, CUcA*>>;
@@ -166,8 +188,6 @@ class CMap {
   void drop_Regions();
   // Another valid slot of the triangle than `except` lies in the region.
   bool touches(int32_t triangle, uint32_t except, int32_t id) const;
-  void leave_Boundary(uint32_t triangle, int32_t from, CUcA& source) const;
-  void join_Boundary(uint32_t triangle, int32_t to, CUcA& target) const;
 
   Tree regions_;
 };

@@ -34,15 +34,16 @@ bool CMap::classify_Move(uint32_t triangle, int32_t to, TUcMove& move) const {
   }
   if (touches_from || !noted) move.from_flags[0] = '+';
 
-  const bool out = is_Out(triangle, to);
+  bool out = false;
   for (size_t k = 0; k < 3; ++k) {
     if (slot[k] == -1) continue;
-    if (region_of[slot[k]] == to) {
-      if (!out) return false;
-      continue;
-    }
-    move.to_flags[k + 1] = touches(slot[k], triangle, to) ? 'u' : '+';
+    if (region_of[slot[k]] == to)
+      out = true;
+    else
+      move.to_flags[k + 1] = touches(slot[k], triangle, to) ? 'u' : '+';
   }
+  // What a slot holds is a neighbour; where there are more, the slots don't tell all.
+  if (!out) out = is_Out(triangle, to);
   if (out) move.to_flags[0] = '-';
   return true;
 }
@@ -61,36 +62,11 @@ bool CMap::apply_Move(uint32_t triangle, int32_t to, TUcMoved& moved) {
     target = fresh.release();
     moved.target = 'a';
   }
-  leave_Boundary(triangle, from, *source);
-  join_Boundary(triangle, to, *target);
   pass_Tri(triangle, source, target);
   if (source->count != 0) return true;
   if (from != 0) kill_Uca(source);
   moved.source = 'r';
   return true;
-}
-
-void CMap::leave_Boundary(uint32_t triangle, int32_t from, CUcA& source) const {
-  bool touches_from = false, noted = false;
-  for (const int32_t nb : slots[triangle]) {
-    if (nb == -1) continue;
-    if (region_of[nb] == from) {
-      touches_from = true;
-    } else {
-      noted = true;
-      if (!touches(nb, triangle, from)) source.boundary.erase(static_cast<uint32_t>(nb));
-    }
-  }
-  if (touches_from || !noted) source.boundary.insert(triangle);
-}
-
-// A neighbour that is in the target already may come in too: nothing tests that, and ranking
-// rebuilds the set before it is read.
-void CMap::join_Boundary(uint32_t triangle, int32_t to, CUcA& target) const {
-  const bool out = is_Out(triangle, to);
-  for (const int32_t nb : slots[triangle])
-    if (nb != -1 && !touches(nb, triangle, to)) target.boundary.insert(static_cast<uint32_t>(nb));
-  if (out) target.boundary.erase(triangle);
 }
 
 }  // namespace undercut

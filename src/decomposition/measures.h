@@ -5,6 +5,9 @@
 // triangle does not restore the old values: the drift is part of the behaviour.
 #pragma once
 
+#include <cmath>
+#include <limits>
+
 #include "decomposition/map.h"
 
 namespace undercut {
@@ -21,6 +24,28 @@ struct TUcRank {
 struct TUcElp {
   double x, y, angle, a, b;
 };
+
+// A triangle's unit normal, centroid and area, to the last bit those of nml_Tri, cen_Tri and
+// area_Tri.
+struct TUcFace {
+  T3DVEC normal, centre;
+  double area;
+
+  explicit TUcFace(const T3DFAC& f) : normal(cross(f.b - f.a, f.c - f.a)), centre(cen_Tri(f)) {
+    const double length = len(normal);
+    normal /= length;
+    area = 0.5 * length;
+  }
+};
+
+// The cosine between two vectors, good to 14 digits; not a number where a length is none or
+// extreme. It spares the arc cosine where an angle is far from its limit.
+inline double cos_Vec(const T3DVEC& a, const T3DVEC& b) {
+  const double aa = dot(a, a), bb = dot(b, b);
+  if (!(aa > 1e-100 && aa < 1e100 && bb > 1e-100 && bb < 1e100))
+    return std::numeric_limits<double>::quiet_NaN();
+  return dot(a, b) / std::sqrt(aa * bb);
+}
 
 // Of the two azimuths of a four-axis machine the one nearer to `azimuth` by plain difference, not
 // round the circle; the first on a tie. Degrees.

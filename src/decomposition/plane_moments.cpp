@@ -20,16 +20,8 @@ double signed_Area(const T3DFAC& f) {
   return (f.a.x * (f.b.y - f.c.y) + f.b.x * (f.c.y - f.a.y) + f.c.x * (f.a.y - f.b.y)) / 2;
 }
 
-}  // namespace
-
-void central_Moments(TUcPlane& plane, double area) {
-  const T2DVEC m = plane.centre;
-  plane.cxx = plane.sxx - area * m.x * m.x;
-  plane.cyy = plane.syy - area * m.y * m.y;
-  plane.cxy = plane.sxy - area * m.x * m.y;
-}
-
-bool mom_Tri(const T3DFAC& f, TUcPlane& moments) {
+// But for those about the centre, which sums of several triangles have no use for.
+void sum_Moments(const T3DFAC& f, TUcPlane& moments) {
   const double x[4] = {f.a.x, f.b.x, f.c.x, f.a.x};
   const double y[4] = {f.a.y, f.b.y, f.c.y, f.a.y};
   double sxx = 0, syy = 0, sxy = 0;
@@ -44,13 +36,26 @@ bool mom_Tri(const T3DFAC& f, TUcPlane& moments) {
   moments.syy = syy / 12;
   moments.sxy = sxy / 24;
   moments.centre = mean_Corner(f);
+}
+
+}  // namespace
+
+void central_Moments(TUcPlane& plane, double area) {
+  const T2DVEC m = plane.centre;
+  plane.cxx = plane.sxx - area * m.x * m.x;
+  plane.cyy = plane.syy - area * m.y * m.y;
+  plane.cxy = plane.sxy - area * m.x * m.y;
+}
+
+bool mom_Tri(const T3DFAC& f, TUcPlane& moments) {
+  sum_Moments(f, moments);
   central_Moments(moments, signed_Area(f));
   return true;
 }
 
 void fold_Plane(TUcPlane& plane, double area, const T3DFAC& local) {
   TUcPlane own;
-  mom_Tri(local, own);
+  sum_Moments(local, own);
   plane.sxx += own.sxx;
   plane.syy += own.syy;
   plane.sxy += own.sxy;
@@ -63,7 +68,7 @@ void unfold_Plane(TUcPlane& plane, double area, const T3DFAC& local) {
   const double s = signed_Area(local);
   if (!(area > s)) return;
   TUcPlane own;
-  mom_Tri(local, own);
+  sum_Moments(local, own);
   plane.sxx -= own.sxx;
   plane.syy -= own.syy;
   plane.sxy -= own.sxy;

@@ -3,19 +3,18 @@
 namespace undercut {
 
 bool CUcA::pop_Cnd(uint32_t triangle, double& cost) {
-  const auto entry = candidates.find(triangle);
-  if (entry == candidates.end()) return false;
-  cost = entry->second;
-  candidates.erase(entry);
+  const TUcPrice* entry = candidates.find({triangle, 0});
+  if (!entry) return false;
+  cost = entry->cost;
+  candidates.erase({triangle, 0});
   return true;
 }
 
 bool CUcA::pop_Que(double& cost, uint32_t& triangle) {
   if (queue.empty()) return false;
-  const TUcWish best = *queue.begin();
-  cost = best.cost;
-  triangle = static_cast<uint32_t>(best.triangle);
-  queue.erase(queue.begin());
+  cost = queue.front().cost;
+  triangle = static_cast<uint32_t>(queue.front().triangle);
+  queue.pop_Front();
   return true;
 }
 

@@ -4,9 +4,9 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <set>
 
+#include "decomposition/sorted_blocks.h"
 #include "foundation/values.h"
 
 namespace undercut {
@@ -45,9 +45,15 @@ struct TUcWish {
   int32_t triangle;
 };
 inline bool operator<(const TUcWish& a, const TUcWish& b) {
-  if (a.cost != b.cost) return a.cost < b.cost;
-  return a.triangle < b.triangle;
+  return (a.cost < b.cost) | ((a.cost == b.cost) & (a.triangle < b.triangle));
 }
+
+// The same in the order of triangles.
+struct TUcPrice {
+  uint32_t triangle;
+  double cost;
+};
+inline bool operator<(const TUcPrice& a, const TUcPrice& b) { return a.triangle < b.triangle; }
 
 // The candidates are held twice, by triangle and by cost; both always hold the same pairs.
 class CUcA {
@@ -60,23 +66,23 @@ class CUcA {
   bool fixed = false;  // came through a whole pass: stands as a wall in later ones
   int32_t head = -1;   // first triangle of the list
   uint32_t count = 0;
-  std::set<uint32_t> boundary;  // triangles just outside
+  std::set<uint32_t> boundary;  // triangles just outside, when it was last asked for
   double rank = 0;
-  std::map<uint32_t, double> candidates;
-  std::set<TUcWish> queue;
+  CSortedBlocks<TUcPrice> candidates;
+  CSortedBlocks<TUcWish> queue;
   TUcMeasures measures;
   double polar0 = -180.0, azimuth0 = -360.0;  // axis of the seed
 
-  bool has_Cnd(uint32_t triangle) const { return candidates.count(triangle) != 0; }
-  bool add_Cnd(uint32_t triangle, double cost) { return candidates.emplace(triangle, cost).second; }
+  bool has_Cnd(uint32_t triangle) const { return candidates.find({triangle, 0}) != nullptr; }
+  bool add_Cnd(uint32_t triangle, double cost) { return candidates.insert({triangle, cost}); }
   bool add_Que(double cost, uint32_t triangle) {
-    return queue.insert({cost, static_cast<int32_t>(triangle)}).second;
+    return queue.insert({cost, static_cast<int32_t>(triangle)});
   }
   // Take the entry out; false if there is none.
   bool pop_Cnd(uint32_t triangle, double& cost);
   bool pop_Que(double& cost, uint32_t& triangle);
   bool del_Que(double cost, uint32_t triangle) {
-    return queue.erase({cost, static_cast<int32_t>(triangle)}) != 0;
+    return queue.erase({cost, static_cast<int32_t>(triangle)});
   }
   // Both containers at once.
   bool add_Wish(uint32_t triangle, double cost) {

@@ -11,6 +11,7 @@
 
 namespace undercut {
 
+class CGrowthNotes;
 class CStageFiles;
 
 // Stages return false when a step of theirs fails: the region of interest is then abandoned.
@@ -22,7 +23,8 @@ struct TUcStage {
   TLst<uint32_t>& roi;  // triangles still to be offered, in seed order after the first pass
   std::vector<TUcSeed>& seeds;
   CStageFiles& files;
-  uint32_t step = 0;  // counts accepted triangles within growth and within balancing
+  uint32_t step = 0;              // counts accepted triangles within growth and within balancing
+  CGrowthNotes* notes = nullptr;  // of the growths of this region of interest; null: all is grown
 };
 
 // "07. Fwd.": regions grow from the seeds, best seed first, best candidate first.

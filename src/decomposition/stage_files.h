@@ -34,6 +34,8 @@ class CStageFiles {
   void write_Seeds(const TLst<uint32_t>& roi, const std::vector<TUcSeed>& seeds) const;
   // The map at the end of a stage.
   void write_Map(StageWord stage) const;
+  // Whether growth writes files on its way.
+  bool writes_Fwd() const { return fwd_; }
   // After an accepted triangle, whenever the step is a multiple of l_mod. `loser` may be null.
   void step_Fwd(uint32_t step, const CUcA& region, uint32_t triangle) const {
     if (fwd_ && step % par_.l_mod == 0) write_Fwd(step, region, triangle);

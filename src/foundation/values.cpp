@@ -19,11 +19,13 @@ T3DVEC sph_ToCar(double polar, double azimuth) {
   return {sin_p * std::cos(a), sin_p * std::sin(a), std::cos(p)};
 }
 
-T3DVEC car_ToSph(const T3DVEC& v) {
+double azm_Vec(const T3DVEC& v) {
   double azimuth = std::atan2(v.y, v.x);
   if (azimuth < 0) azimuth += 6.283185307179586;
-  return {std::acos(v.z) * kDegrees, azimuth * kDegrees, len(v)};
+  return azimuth * kDegrees;
 }
+
+T3DVEC car_ToSph(const T3DVEC& v) { return {std::acos(v.z) * kDegrees, azm_Vec(v), len(v)}; }
 
 void fold_Ang(double polar, double azimuth, double& polar_out, double& azimuth_out) {
   polar_out = polar;

@@ -115,6 +115,9 @@ double ang_Vec(const T3DVEC& a, const T3DVEC& b);
 // The unit vector of a polar angle from +Z and an azimuth from +X, both in degrees.
 T3DVEC sph_ToCar(double polar, double azimuth);
 
+// The azimuth of a vector from +X, in degrees, 0 to 360.
+double azm_Vec(const T3DVEC& v);
+
 // The reverse: (polar, azimuth in 0 to 360, length). Takes z as it stands: meant for unit vectors.
 T3DVEC car_ToSph(const T3DVEC& v);
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/reference/random_geometry.h"
 #include "tests/support/measures.h"
 #include "tests/support/regions.h"
 
@@ -85,6 +86,36 @@ TEST(TestCand, AtExactlyTheAperture_Accepts_AndTheNormalMeasureIsZero) {
   EXPECT_EQ(q_Nml(scene.rig.map(), scene.region, f, angle), 0.0);
   scene.rig.cnd.aperture = std::nextafter(angle, 0);
   EXPECT_FALSE(scene.test());
+}
+
+// Apertures from far off down to the last digit of the angle, normals of any length, and apertures
+// that are no angle.
+TEST(TestCand, ByCosines_TakesAndRefusesAsTheAngleDoes) {
+  reference::Random random(4417);
+  TScene scene(30, 1, -40);
+  uint32_t taken = 0, near = 0;
+  for (uint32_t round = 0; round < 20000; ++round) {
+    scene.region->measures.normal = random.real(0.01, 1) * random.triple(-1, 1);
+    if (random.chance(0.02)) scene.region->measures.normal = {0, 0, 0};
+    if (random.chance(0.02)) scene.region->measures.normal = {kNan, 0, 1};
+    if (random.chance(0.02)) scene.region->measures.normal = {0, 0, 1e-120};
+    if (random.chance(0.02)) scene.region->measures.normal = {1e200, 0, 1e200};
+    const T3DVEC n = nml_Tri(get_Fac(scene.rig.map().msh, 0));
+    const double angle = ang_Vec(n, unit(scene.region->measures.normal));
+    const double steps[] = {0, 1e-15, 1e-12, 1e-9, 5e-8, 6e-8, 1e-7, 1e-3, 10};
+    double aperture = angle + (random.chance(0.5) ? 1 : -1) * steps[random.below(9)];
+    if (random.chance(0.2)) aperture = std::nextafter(angle, random.chance(0.5) ? 0 : 180);
+    if (random.chance(0.05)) aperture = random.chance(0.5) ? random.real(-10, 0) : 190;
+    if (random.chance(0.02)) aperture = kNan;
+    scene.rig.cnd.aperture = aperture;
+    const bool expected = !(angle > aperture);
+    ASSERT_EQ(scene.test(), expected) << angle << " against " << aperture;
+    taken += expected;
+    near += std::fabs(angle - aperture) < 1e-9;
+  }
+  EXPECT_GT(taken, 5000u);
+  EXPECT_LT(taken, 15000u);
+  EXPECT_GT(near, 5000u);
 }
 
 TEST(TestCand, LiftsTheTestPointAlongTheNormal) {
@@ -332,7 +363,7 @@ struct TFlagged {
   }
   void expect_Cost(double value) {
     ASSERT_EQ(list_Cnd(*region), List{2});
-    EXPECT_EQ(region->candidates.at(2), value);
+    EXPECT_EQ(cost_Cnd(*region, 2), value);
     ASSERT_EQ(region->queue.size(), 1u);
     EXPECT_EQ(region->queue.begin()->cost, value);
   }

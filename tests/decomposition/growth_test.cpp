@@ -165,13 +165,6 @@ TEST(Growth, AskedAgainWhenItsTurnComes_ATriangleMayBeRefused) {
   EXPECT_LT(count, 24u);
 }
 
-TEST(Growth, KeepsTheFrontierInTheBoundary) {
-  TGrowth rig(make_Strip(6), {0}, open_Par(), {0, 1, 2, 4, 5});
-  ASSERT_TRUE(rig.grow());
-  EXPECT_EQ(rig.list(1).size(), 3u);
-  EXPECT_EQ(rig.map().get_Uca(1)->boundary.count(3), 1u);
-}
-
 // ---- The seed's measures -----------------------------------------------------------------------
 
 // One triangle whose normal leans 45 degrees to +X.

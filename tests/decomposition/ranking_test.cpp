@@ -76,8 +76,8 @@ TEST(Ranking, CandidatesAreTheWholeFrontier_WhoeverHoldsIt) {
   EXPECT_EQ(two->boundary, (std::set<uint32_t>{2, 5}));
   for (const CUcA* region : {one, two})
     for (const TUcWish& wish : region->queue)
-      EXPECT_EQ(region->candidates.at(static_cast<uint32_t>(wish.triangle)), wish.cost);
-  EXPECT_LT(one->candidates.at(0), one->candidates.at(3)) << "what is free is wanted more";
+      EXPECT_EQ(cost_Cnd(*region, static_cast<uint32_t>(wish.triangle)), wish.cost);
+  EXPECT_LT(cost_Cnd(*one, 0), cost_Cnd(*one, 3)) << "what is free is wanted more";
 }
 
 TEST(Ranking, LeavesOutWhatIsNotAcceptable_AndKeepsItInTheBoundary) {
@@ -129,7 +129,7 @@ TEST(Ranking, BuildsTheSetsOfARegionFromScratch) {
   region->boundary.insert(7);
   ASSERT_TRUE(rank_Regions(rig.stage));
   EXPECT_EQ(list_Cnd(*region), (List{2, 5}));
-  EXPECT_GT(region->candidates.at(5), -100);
+  EXPECT_GT(cost_Cnd(*region, 5), -100);
   EXPECT_EQ(region->boundary, (std::set<uint32_t>{2, 5}));
 }
 

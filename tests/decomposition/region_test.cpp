@@ -132,7 +132,7 @@ TEST(Region, WishesKeepMapAndQueueAlike) {
       ASSERT_EQ(region.drop_Wish(triangle), had);
     ASSERT_EQ(region.candidates.size(), region.queue.size());
     for (const TUcWish& wish : region.queue)
-      ASSERT_EQ(region.candidates.at(uint32_t(wish.triangle)), wish.cost);
+      ASSERT_EQ(region.candidates.find({uint32_t(wish.triangle), 0})->cost, wish.cost);
   }
 }
 

@@ -1,10 +1,12 @@
 #include "decomposition/seeds.h"
 
 #include <gtest/gtest.h>
+#include <omp.h>
 
 #include <cmath>
 #include <vector>
 
+#include "bench/bodies.h"
 #include "decomposition/measures.h"
 #include "tests/reference/plain_sort.h"
 #include "tests/reference/ray_hits.h"
@@ -258,7 +260,7 @@ TEST(Seeds, EqualThePlainFormToTheLastBit) {
   reference::Random random(660);
   for (uint32_t round = 0; round < scale_Cases(40); ++round) {
     std::vector<TUcBand> bands;
-    for (uint64_t k = 0; k <= random.below(3); ++k) {
+    for (uint64_t k = 0; k <= random.below(round % 5 == 0 ? 8 : 3); ++k) {
       const double low = random.chance(0.3) ? 0 : random.real(0, 180);
       bands.push_back({low, random.chance(0.2) ? 180 - low : random.real(low, 180)});
     }
@@ -280,6 +282,25 @@ TEST(Seeds, EqualThePlainFormToTheLastBit) {
       ASSERT_EQ(seeds[i].band, plain[i].band);
     }
   }
+}
+
+TEST(Seeds, AreTheSame_HoweverManyThreadsScoreThem) {
+  bodies::TBody body = bodies::make_Ring(3000);
+  const TScene scene({body.points, body.triangles}, {{0, 20}, {160, 180}, {80, 100}});
+  const int before = omp_get_max_threads();
+  omp_set_num_threads(1);
+  const std::vector<TUcSeed> alone = scene.seeds();
+  for (const int threads : {2, 3, 7}) {
+    omp_set_num_threads(threads);
+    const std::vector<TUcSeed> shared = scene.seeds();
+    ASSERT_EQ(shared.size(), alone.size());
+    for (size_t i = 0; i < alone.size(); ++i) {
+      ASSERT_EQ(shared[i].key, alone[i].key) << "place " << i << ", " << threads << " threads";
+      ASSERT_EQ(shared[i].index, alone[i].index);
+      ASSERT_EQ(shared[i].band, alone[i].band);
+    }
+  }
+  omp_set_num_threads(before);
 }
 
 }  // namespace

@@ -54,9 +54,9 @@ std::vector<uint32_t> random_Roi(reference::Random& random, const TSoup& soup) {
 void expect_SameCandidates(const CUcA& region) {
   ASSERT_EQ(region.candidates.size(), region.queue.size());
   for (const TUcWish& wish : region.queue) {
-    const auto entry = region.candidates.find(static_cast<uint32_t>(wish.triangle));
-    ASSERT_NE(entry, region.candidates.end());
-    ASSERT_EQ(entry->second, wish.cost);
+    const TUcPrice* price = region.candidates.find({static_cast<uint32_t>(wish.triangle), 0});
+    ASSERT_NE(price, nullptr);
+    ASSERT_EQ(price->cost, wish.cost);
   }
 }
 

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -29,7 +28,6 @@ class CPlainMap {
   std::vector<std::vector<int>> slots;            // three for each triangle, -1 for none
   std::vector<std::vector<uint32_t>> neighbours;  // by edge, then by triangle
   std::map<int, std::vector<uint32_t>> lists;     // of the regions, last come first
-  std::map<int, std::set<uint32_t>> boundaries;
 
   // Another triangle than `except` across an edge of t lies in the region.
   bool has_Other(int t, uint32_t except, int id) const {
@@ -72,39 +70,13 @@ class CPlainMap {
     if (from < 0 || to < 0) return "";
     std::string status = lists.count(to) ? "--" : "a-";
     lists[to];
-    bool inner = false, removed = false, kept = false;
-    const bool was_Outside = is_Outside(t, to);
-    for (const int nb : slots[t]) {
-      if (nb < 0) continue;
-      if (region_of[nb] == from) {
-        inner = true;
-      } else if (has_Other(nb, t, from)) {
-        kept = true;
-      } else {
-        removed = true;
-        boundaries[from].erase(uint32_t(nb));
-      }
-      if (!has_Other(nb, t, to)) boundaries[to].insert(uint32_t(nb));
-    }
-    if (inner || !(removed || kept)) boundaries[from].insert(t);
-    if (was_Outside) boundaries[to].erase(t);
     std::erase(lists[from], t);
     lists[to].insert(lists[to].begin(), t);
     region_of[t] = to;
     if (!lists[from].empty()) return status;
-    if (from != 0) lists.erase(from), boundaries.erase(from);
+    if (from != 0) lists.erase(from);
     status[1] = 'r';
     return status;
-  }
-
-  // The triangles outside a region that share an edge with one of its own.
-  std::set<uint32_t> list_Frontier(int id) const {
-    std::set<uint32_t> frontier;
-    for (uint32_t t = 0; t < region_of.size(); ++t)
-      if (region_of[t] == id)
-        for (const int nb : slots[t])
-          if (nb >= 0 && region_of[nb] != id) frontier.insert(uint32_t(nb));
-    return frontier;
   }
 
  private:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "tests/support/stages.h"
@@ -33,6 +34,12 @@ inline std::vector<uint32_t> list_Cnd(const CUcA& region) {
   std::vector<uint32_t> list;
   for (const auto& [triangle, cost] : region.candidates) list.push_back(triangle);
   return list;
+}
+
+// What a candidate costs; not a number for one that is none.
+inline double cost_Cnd(const CUcA& region, uint32_t triangle) {
+  const TUcPrice* price = region.candidates.find({triangle, 0});
+  return price ? price->cost : std::numeric_limits<double>::quiet_NaN();
 }
 
 }  // namespace undercut::tests
