@@ -72,6 +72,7 @@ void search_3ax(benchmark::State& state) { call(state, get_3ax, 0); }
 void search_5ax(benchmark::State& state) { call(state, get_5ax, 0); }
 void classify_1(benchmark::State& state) { call(state, get_UCs, 1); }
 void classify_12(benchmark::State& state) { call(state, get_UCs, 12); }
+void depth_1(benchmark::State& state) { call(state, get_dFi, 1); }
 void depth_3(benchmark::State& state) { call(state, get_dFi, 3); }
 
 void set_Sizes(benchmark::internal::Benchmark* bench) {
@@ -86,6 +87,7 @@ BENCHMARK(search_3ax)->Apply(set_Sizes);
 BENCHMARK(search_5ax)->Apply(set_Sizes);
 BENCHMARK(classify_1)->Apply(set_Sizes);
 BENCHMARK(classify_12)->Apply(set_Sizes);
+BENCHMARK(depth_1)->Apply(set_Sizes);
 BENCHMARK(depth_3)->Apply(set_Sizes);
 
 }  // namespace

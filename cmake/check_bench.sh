@@ -3,9 +3,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 cmake --preset release -DUNDERCUT_BENCH=ON >build/bench.log
-for source in bench/*_bench.cpp; do
-  name=$(basename "$source" .cpp)
-  cmake --build --preset release --target "$name"
+mapfile -t names < <(basename -s .cpp bench/*_bench.cpp)
+cmake --build --preset release --target "${names[@]}"
+for name in "${names[@]}"; do
   build/release/bench/"$name" --benchmark_list_tests >/dev/null
   build/release/bench/"$name" --benchmark_filter='20000(/|$)' --benchmark_min_time=0.01
 done

@@ -165,8 +165,11 @@ void add_Trees(TList& list, const TCase& of, const TRays& rays, TAnswers& truth,
 
 void add_Sight(TList& list, const TCase& of, const T3DVEC& direction, versus::Ways ways,
                const TAnswers& truth, TAnswers& sight) {
-  const auto ask = [&, ways] {
-    versus::ask_Sight(of.wide, of.nml.data(), direction, ways, sight.data());
+  // Kept from turn to turn, as a search for an axis keeps it: the first turn makes the starts.
+  const auto eye = std::make_shared<undercut::CSight>(
+      of.wide, undercut::TRayStarts{of.msh, versus::kLift, of.nml.data()});
+  const auto ask = [&, ways, eye] {
+    eye->see_Along(direction, ways, nullptr, of.msh.n_tri, sight.data());
   };
   const auto differing = [&, ways] {
     return count_Differing(truth, versus::unpack_Sight(sight, ways));

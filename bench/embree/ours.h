@@ -36,13 +36,6 @@ inline void ask_Tree(const C3DTriAABBTree& tree, const TRays& rays, uint8_t* ope
   });
 }
 
-// One byte for each triangle.
-inline void ask_Sight(const C3DTriAABBTree& tree, const T3DVEC* nml, const T3DVEC& direction,
-                      Ways ways, uint8_t* sight) {
-  const T3DMSH& msh = tree.mesh();
-  see_Along(tree, {msh, kLift, nml}, direction, ways, nullptr, msh.n_tri, sight);
-}
-
 // The same in the order of make_Parallel: all rays ahead, then all behind.
 inline std::vector<uint8_t> unpack_Sight(const std::vector<uint8_t>& sight, Ways ways) {
   std::vector<uint8_t> open;
@@ -57,7 +50,7 @@ inline std::vector<uint8_t> unpack_Sight(const std::vector<uint8_t>& sight, Ways
 inline void sight_Afresh(C3DTriAABBTree& tree, const T3DMSH& msh, const T3DVEC& direction,
                          uint8_t* sight) {
   check(tree.Prepare(msh));
-  ask_Sight(tree, nullptr, direction, Ways::kAhead, sight);
+  see_Along(tree, {msh, kLift}, direction, Ways::kAhead, nullptr, msh.n_tri, sight);
 }
 
 }  // namespace versus

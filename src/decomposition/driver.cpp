@@ -163,7 +163,7 @@ void CDriver::load(CallFrame& frame) {
 
 void CDriver::build(CallFrame& frame) {
   const CStageLine stage = line("02. Build :: AABB-Tree");
-  frame.need(tree_.Build(msh_), -18);
+  frame.need(tree_.BuildRays(msh_), -18);
   cnd_ = {0,          nullptr,    &map_,
           &tree_,     par_.T_win, lift_,
           par_.f_fuz, par_.w_nul, {par_.T_gw0, par_.T_gw1, par_.T_gw2, par_.T_gw3, par_.T_gw4}};

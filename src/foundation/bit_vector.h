@@ -1,8 +1,10 @@
 // A set of bits over triangles or vertices.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
+#include "foundation/parallel.h"
 #include "foundation/records.h"
 
 namespace undercut {
@@ -39,6 +41,14 @@ class CBitVector {
   uint64_t count() const;
   bool is_Empty() const;  // false if not valid
 
+  // Bit i to test(i), for all bits at once, in parallel; those beyond the size are cleared.
+  template <typename Test>
+  void assign(const Test& test) {
+    for (uint64_t first = 0; first < bytes_; first += UINT32_MAX)
+      each_Index(static_cast<uint32_t>(std::min<uint64_t>(bytes_ - first, UINT32_MAX)),
+                 [&](uint32_t i) { data_[first + i] = pack((first + i) * 8, test); });
+  }
+
   // Over the bytes that both have; the rest stays.
   CBitVector& operator&=(const CBitVector& other);
   CBitVector& operator|=(const CBitVector& other);
@@ -59,6 +69,15 @@ class CBitVector {
   const uint8_t* data() const { return data_; }
 
  private:
+  // The byte that begins with a bit.
+  template <typename Test>
+  uint8_t pack(uint64_t first, const Test& test) const {
+    unsigned byte = 0;
+    for (uint64_t i = first; i < first + 8; ++i)
+      byte = byte << 1 | (i < bits_ && test(i) ? 1u : 0u);
+    return static_cast<uint8_t>(byte);
+  }
+
   uint8_t* data_ = nullptr;
   uint64_t capacity_ = 0;
   uint64_t bytes_ = 0;

@@ -38,17 +38,16 @@ class CThreadOrder {
 #endif
 };
 
-// body(i) for each i below the count, in contiguous runs, one for each thread; short loops stay on
-// the calling thread. An entry may write only what no other entry touches. Where an entry throws,
-// which it does for lack of memory alone, the others still run, and the calling thread throws
-// std::bad_alloc at the end.
+// body(i) for each i below the count, in contiguous runs, one for each thread; loops of fewer than
+// `worth` entries stay on the calling thread. An entry may write only what no other entry touches.
+// Where an entry throws, which it does for lack of memory alone, the others still run, and the
+// calling thread throws std::bad_alloc at the end.
 template <typename Body>
-void each_Index(uint32_t count, const Body& body) {
-  constexpr uint32_t kWorthThreads = 256;
+void each_Index(uint32_t count, const Body& body, uint32_t worth = 256) {
   std::atomic<bool> failed = false;
   {
     CThreadOrder order;
-#pragma omp parallel if (count >= kWorthThreads)
+#pragma omp parallel if (count >= worth)
     {
       order.begin();
 #pragma omp for schedule(static)

@@ -288,7 +288,7 @@ UNDERCUT_API int32_t get_UCc(const TUcReq* req, TUcRes* res);
  *
  * Codes: UNDERCUT_BAD_VERTEX, UNDERCUT_BAD_TRIANGLE (any index in roi where the mesh is empty); -5
  * no memory for the axes, -6 no frame; -7 roi, -8 curves not turned to bits; -12 to -16 no memory
- * for the bits, -12 also for an empty mesh without roi and arg; -17, -18 no memory for the values,
+ * for the sets, -12 also for an empty mesh without roi and arg; -17, -18 no memory for the values,
  * -19 for the queue; -20 triangles not grown, -21 no tree over them; -22 no tree over the mesh; -23
  * vertices not merged; -24, -25 adjacency; -26 open border; -27, -28 patches; -29 border of a
  * patch, -30 its polyline, -31 its projection, -32 the tree over its rim; -33 to -37 steps of the

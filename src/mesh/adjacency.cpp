@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
+#include "foundation/parallel.h"
 #include "mesh/edge_counts.h"
 
 namespace undercut {
@@ -55,47 +55,98 @@ int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj&
   return 0;
 }
 
+// Where more triangles than these meet at a vertex, they are chained by their corners; at the
+// others each edge asks them one by one, which takes less and lets triangles go in parallel.
+constexpr uint32_t kMostAsked = 32;
+
 // What the search for neighbours needs beside its result.
 struct TScratch {
-  Scoped<TArr<uint32_t>> place;   // of edge k of triangle t, at 3 t + k: where its neighbours begin
+  Scoped<TArr<uint32_t>> others;  // of edge k of triangle t, at 3 t + k: how many neighbours
+  Scoped<TArr<uint32_t>> only;    // likewise the last of them
   Scoped<TArr<uint32_t>> vertex;  // a word for each vertex
   Scoped<TArr<uint32_t>> next;    // three for each entry of the longest list of a vertex
 };
 
+bool is_Crowded(const TAdj& vtx_tri, uint32_t v) { return vtx_tri.counts[v] > kMostAsked; }
+
 bool init_Scratch(const T3DMSH& msh, const TAdj& vtx_tri, TScratch& scratch) {
   uint32_t most = 0;
   for (uint32_t v = 0; v < msh.n_vtx; ++v) most = std::max(most, vtx_tri.counts[v]);
-  return std::max(msh.n_tri, most) <= UINT32_MAX / 3 && alloc(*scratch.place, 3 * msh.n_tri) &&
-         alloc(*scratch.vertex, msh.n_vtx) && alloc(*scratch.next, 3 * most);
+  if (std::max(msh.n_tri, most) > UINT32_MAX / 3 || !alloc(*scratch.others, 3 * msh.n_tri) ||
+      !alloc(*scratch.only, 3 * msh.n_tri))
+    return false;
+  return most <= kMostAsked ||
+         (alloc(*scratch.vertex, msh.n_vtx) && alloc(*scratch.next, 3 * most));
 }
 
-// Counts the neighbours of each triangle and places those of each edge; false if there are more
-// than a table holds.
+// The entries at the first end of an edge whose triangle is another one and contains the second.
+template <typename Visit>
+void each_Other(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t t, uint32_t k, Visit visit) {
+  const uint32_t p = corner(msh.tri[t], k), q = corner(msh.tri[t], k + 1);
+  const uint32_t* list = vtx_tri.lists[p];
+  for (uint32_t i = 0; i < vtx_tri.counts[p]; ++i)
+    if (list[i] != t && has_Vtx(msh.tri[list[i]], q)) visit(list[i]);
+}
+
+// Counts the neighbours over each edge of each triangle; false if there are more than a table
+// holds.
 bool count_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, TScratch& scratch, uint32_t* counts,
                       uint64_t& total) {
-  uint32_t* place = scratch.place->data;
-  total = 0;
-  visit_Edges(
-      msh, vtx_tri, scratch.vertex->data, [](uint32_t) { return true; },
-      [&](uint32_t t, uint32_t k, uint32_t others) {
-        total += others;
-        place[3 * t + k] = others;
+  uint32_t* others = scratch.others->data;
+  uint32_t* only = scratch.only->data;
+  each_Index(msh.n_tri, [&](uint32_t t) {
+    for (uint32_t k = 0; k < 3; ++k) {
+      if (is_Crowded(vtx_tri, corner(msh.tri[t], k))) continue;
+      uint32_t count = 0, last = kNone;
+      each_Other(msh, vtx_tri, t, k, [&](uint32_t other) {
+        ++count;
+        last = other;
       });
-  if (total > UINT32_MAX) return false;
-  uint32_t sum = 0;
+      others[3 * t + k] = count;
+      only[3 * t + k] = last;
+    }
+  });
+  if (scratch.vertex->data)
+    visit_Edges(
+        msh, vtx_tri, scratch.vertex->data, [&](uint32_t p) { return is_Crowded(vtx_tri, p); },
+        [](uint32_t) { return true; },
+        [&](uint32_t t, uint32_t k, uint32_t count) { others[3 * t + k] = count; });
+  total = 0;
   for (uint32_t t = 0; t < msh.n_tri; ++t) {
-    const uint32_t first = sum;
-    for (uint32_t k = 0; k < 3; ++k) sum += std::exchange(place[3 * t + k], sum);
-    counts[t] = sum - first;
+    uint64_t sum = 0;
+    for (uint32_t k = 0; k < 3; ++k) sum += others[3 * t + k];
+    counts[t] = static_cast<uint32_t>(sum);
+    total += sum;
   }
-  return true;
+  return total <= UINT32_MAX;
+}
+
+// Where the neighbours over edge k of a triangle begin.
+uint32_t* place_Of(const TAdj& tri_tri, TScratch& scratch, uint32_t t, uint32_t k) {
+  uint32_t* place = tri_tri.lists[t];
+  for (uint32_t i = 0; i < k; ++i) place += scratch.others->data[3 * t + i];
+  return place;
+}
+
+void store_Asked(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t t, TScratch& scratch,
+                 TAdj& tri_tri) {
+  uint32_t* end = tri_tri.lists[t];
+  for (uint32_t k = 0; k < 3; ++k) {
+    const uint32_t count = scratch.others->data[3 * t + k];
+    if (is_Crowded(vtx_tri, corner(msh.tri[t], k)))
+      end += count;
+    else if (count == 1)
+      *end++ = scratch.only->data[3 * t + k];
+    else if (count > 1)
+      each_Other(msh, vtx_tri, t, k, [&](uint32_t other) { *end++ = other; });
+  }
 }
 
 // Stores the neighbours over the edges that begin at p. The entries at p are chained by each corner
 // of their triangle, so that the search costs no more than its result: `head` holds kNone for each
 // vertex, before and after.
-void store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t p, TScratch& scratch,
-                      uint32_t* block) {
+void store_Chained(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t p, TScratch& scratch,
+                   TAdj& tri_tri) {
   const uint32_t* list = vtx_tri.lists[p];
   const uint32_t count = vtx_tri.counts[p];
   uint32_t* head = scratch.vertex->data;
@@ -111,13 +162,21 @@ void store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t p, TScrat
     const uint32_t t = list[i];
     for (uint32_t k = 0; k < 3; ++k) {
       if (corner(msh.tri[t], k) != p) continue;
-      uint32_t* out = block + scratch.place->data[3 * t + k];
+      uint32_t* out = place_Of(tri_tri, scratch, t, k);
       for (uint32_t e = head[corner(msh.tri[t], k + 1)]; e != kNone; e = next[e])
         if (list[e / 3] != t) *out++ = list[e / 3];
     }
   }
   for (uint32_t i = 0; i < count; ++i)
     each_Corner(msh.tri[list[i]], [&](uint32_t q) { head[q] = kNone; });
+}
+
+void store_Neighbours(const T3DMSH& msh, const TAdj& vtx_tri, TScratch& scratch, TAdj& tri_tri) {
+  each_Index(msh.n_tri, [&](uint32_t t) { store_Asked(msh, vtx_tri, t, scratch, tri_tri); });
+  if (!scratch.vertex->data) return;
+  std::fill_n(scratch.vertex->data, msh.n_vtx, kNone);
+  for (uint32_t p = 0; p < msh.n_vtx; ++p)
+    if (is_Crowded(vtx_tri, p)) store_Chained(msh, vtx_tri, p, scratch, tri_tri);
 }
 
 }  // namespace
@@ -159,9 +218,7 @@ int32_t adj_TriTri(const T3DMSH& msh, const TAdj& vtx_tri, TAdj& out) {
       !count_Neighbours(msh, vtx_tri, scratch, adj->counts, total) ||
       !alloc_Block(*adj, msh.n_tri, total))
     return -5;
-  std::fill_n(scratch.vertex->data, msh.n_vtx, kNone);
-  for (uint32_t p = 0; p < msh.n_vtx; ++p)
-    store_Neighbours(msh, vtx_tri, p, scratch, adj->lists[0]);
+  store_Neighbours(msh, vtx_tri, scratch, *adj);
   out = adj.take();
   return 0;
 }

@@ -2,7 +2,9 @@
 #include "mesh/boundary.h"
 
 #include <algorithm>
+#include <bit>
 
+#include "foundation/parallel.h"
 #include "mesh/edge_counts.h"
 
 namespace undercut {
@@ -14,24 +16,30 @@ constexpr int32_t kNoTriangles = -1, kNoCount = -2, kNoLists = -3, kNoMemory = -
 
 bool has_Lists(const TAdj& adj) { return adj.lists && adj.counts; }
 
+// The edges whose bits are set, by triangle, then corner.
+bool store_Open(const T3DMSH& msh, const uint8_t* open, TArr<T3DSGM>& out) {
+  uint64_t count = 0;
+  for (uint32_t t = 0; t < msh.n_tri; ++t) count += static_cast<uint32_t>(std::popcount(open[t]));
+  if (count > UINT32_MAX || !alloc(out, static_cast<uint32_t>(count))) return false;
+  T3DSGM* end = out.data;
+  for (uint32_t t = 0; t < msh.n_tri; ++t) {
+    if (open[t] == 0) continue;
+    for (uint32_t k = 0; k < 3; ++k)
+      if (open[t] & 1u << k) *end++ = {corner(msh.tri[t], k), corner(msh.tri[t], k + 1)};
+  }
+  return true;
+}
+
 // The edges of accepted triangles that no other accepted triangle shares, by triangle, then corner.
 template <typename Accept>
 int32_t list_Open(const T3DMSH& msh, const TAdj& vtx_tri, Accept accept, TArr<T3DSGM>& out) {
   Scoped<TArr<uint32_t>> shared;
   Scoped<TArr<uint8_t>> open;  // bit k of a triangle: its edge k is on the boundary
   if (!alloc(*shared, msh.n_vtx) || !alloc(*open, msh.n_tri)) return kNoMemory;
-  uint64_t count = 0;
   visit_Edges(msh, vtx_tri, shared->data, accept, [&](uint32_t t, uint32_t k, uint32_t others) {
-    if (others > 0) return;
-    open->data[t] = static_cast<uint8_t>(open->data[t] | 1u << k);
-    ++count;
+    if (others == 0) open->data[t] = static_cast<uint8_t>(open->data[t] | 1u << k);
   });
-  if (count > UINT32_MAX || !alloc(out, static_cast<uint32_t>(count))) return kNoMemory;
-  T3DSGM* end = out.data;
-  for (uint32_t t = 0; t < msh.n_tri; ++t)
-    for (uint32_t k = 0; k < 3; ++k)
-      if (open->data[t] & 1u << k) *end++ = {corner(msh.tri[t], k), corner(msh.tri[t], k + 1)};
-  return 0;
+  return store_Open(msh, open->data, out) ? 0 : kNoMemory;
 }
 
 int32_t check_Mesh(const T3DMSH& msh) {
@@ -144,6 +152,19 @@ int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, T
   if (!has_Lists(vtx_tri)) return kNoLists;
   return list_Open(
       msh, vtx_tri, [&](uint32_t t) { return set.test(t); }, out);
+}
+
+int32_t bnd_Adj(const T3DMSH& msh, const TAdj& tri_tri, const CBitVector* set, TArr<T3DSGM>& out) {
+  reset(out);
+  if (const int32_t code = check_Mesh(msh)) return code;
+  if (!has_Lists(tri_tri)) return kNoLists;
+  Scoped<TArr<uint8_t>> open;
+  if (!alloc(*open, msh.n_tri)) return kNoMemory;
+  const auto accept = [&](uint32_t t) { return !set || set->test(t); };
+  each_Index(msh.n_tri, [&](uint32_t t) {
+    if (accept(t)) open->data[t] = find_Open(msh, tri_tri, t, accept);
+  });
+  return store_Open(msh, open->data, out) ? 0 : kNoMemory;
 }
 
 int32_t bnd_Lst(const T3DMSH& msh, const TLst<uint32_t>& lst, uint32_t* number, TArr<T3DSGM>& out) {

@@ -12,8 +12,27 @@ namespace undercut {
 // -4 no memory.
 int32_t bnd_All(const T3DMSH& msh, const TAdj& vtx_tri, TArr<T3DSGM>& out);
 
+// Bit k for edge k of a triangle: no neighbour for which accept(neighbour) holds shares it. By the
+// table of neighbours, so one triangle knows without the others.
+template <typename Accept>
+uint8_t find_Open(const T3DMSH& msh, const TAdj& tri_tri, uint32_t t, Accept accept) {
+  unsigned open = 7;
+  for (uint32_t i = 0; i < tri_tri.counts[t] && open; ++i) {
+    const uint32_t n = tri_tri.lists[t][i];
+    if (!accept(n)) continue;
+    const bool a = has_Vtx(msh.tri[n], msh.tri[t].a), b = has_Vtx(msh.tri[n], msh.tri[t].b);
+    const bool c = has_Vtx(msh.tri[n], msh.tri[t].c);
+    open &= ~((a && b ? 1u : 0u) | (b && c ? 2u : 0u) | (c && a ? 4u : 0u));
+  }
+  return static_cast<uint8_t>(open);
+}
+
 // Edges of the triangles of a set that no second triangle of the set shares. Codes as bnd_All.
 int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, TArr<T3DSGM>& out);
+
+// bnd_Set by the table of neighbours, in parallel; the whole mesh where there is no set. The table
+// must be there. Codes as bnd_All.
+int32_t bnd_Adj(const T3DMSH& msh, const TAdj& tri_tri, const CBitVector* set, TArr<T3DSGM>& out);
 
 // bnd_Set of the listed triangles, edge by edge in the same order, at the cost of the list instead
 // of the mesh: for patch after patch of a large mesh. The list holds each triangle once, in any

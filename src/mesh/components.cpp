@@ -8,25 +8,19 @@ namespace undercut {
 
 namespace {
 
-// The components one after the other, each as it was found, and where each begins.
-struct TSearch {
-  Scoped<TArr<uint8_t>> waiting;  // by triangle: in the set and not found yet
-  Scoped<TArr<uint32_t>> order, starts;
-};
-
 // Stores the components, each against the order of the search: it ends with its seed.
-bool store_Components(TSearch& search, uint32_t count, TLst<TLst<uint32_t>>& out) {
+bool store_Components(TComponents& found, TLst<TLst<uint32_t>>& out) {
+  const uint32_t count = found.count();
   if (!alloc(out, count)) return false;
   for (uint32_t i = 0; i < count; ++i) {
-    const uint32_t first = search.starts->data[i];
-    const uint32_t end = i + 1 < count ? search.starts->data[i + 1] : search.order->count;
+    const uint32_t first = found.first(i), end = found.end(i);
     TLst<uint32_t>& component = out.data[i];
     if (!alloc(component, end - first)) {
       release(out);
       return false;
     }
     for (uint32_t k = end; k > first; --k)
-      component.data[component.count++] = search.order->data[k - 1];
+      component.data[component.count++] = found.order->data[k - 1];
   }
   out.count = count;
   return true;
@@ -47,22 +41,26 @@ bool count_Around(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t v, uint32_t* 
 
 }  // namespace
 
+bool find_Components(const TAdj& tri_tri, const CBitVector& set, TComponents& out) {
+  const auto members = static_cast<uint32_t>(set.count());
+  if (!set.to_Bytes(*out.waiting) || !alloc(*out.order, members) || !alloc(*out.starts, members))
+    return false;
+  uint32_t end = 0, count = 0;
+  for (uint32_t t = 0; t < out.waiting->count; ++t) {
+    if (!out.waiting->data[t]) continue;
+    out.starts->data[count++] = end;
+    end = flood_Patch(tri_tri, t, out.waiting->data, out.order->data, end);
+  }
+  out.starts->count = count;
+  return true;
+}
+
 bool cmp_Adj(const T3DMSH& msh, const TAdj& tri_tri, const CBitVector& set,
              TLst<TLst<uint32_t>>& out) {
   reset(out);
   if (!is_Usable(msh) || set.size() != msh.n_tri || !tri_tri.lists || !tri_tri.counts) return false;
-  TSearch search;
-  const uint32_t members = static_cast<uint32_t>(set.count());
-  if (!set.to_Bytes(*search.waiting) || !alloc(*search.order, members) ||
-      !alloc(*search.starts, members))
-    return false;
-  uint32_t end = 0, count = 0;
-  for (uint32_t t = 0; t < msh.n_tri; ++t) {
-    if (!search.waiting->data[t]) continue;
-    search.starts->data[count++] = end;
-    end = flood_Patch(tri_tri, t, search.waiting->data, search.order->data, end);
-  }
-  return store_Components(search, count, out);
+  TComponents found;
+  return find_Components(tri_tri, set, found) && store_Components(found, out);
 }
 
 bool cmp_Own(const T3DMSH& msh, const CBitVector& set, TLst<TLst<uint32_t>>& out) {

@@ -6,6 +6,20 @@
 
 namespace undercut {
 
+// Components one after the other, in the order of their lowest triangle, each as the breadth-first
+// search found it, its lowest triangle first.
+struct TComponents {
+  Scoped<TArr<uint8_t>> waiting;  // by triangle: in the set and not found yet; all zero at the end
+  Scoped<TArr<uint32_t>> order, starts;
+
+  uint32_t count() { return starts->count; }
+  uint32_t first(uint32_t i) { return starts->data[i]; }
+  uint32_t end(uint32_t i) { return i + 1 < starts->count ? starts->data[i + 1] : order->count; }
+};
+
+// Searches a set of as many bits as there are triangles. False without memory.
+bool find_Components(const TAdj& tri_tri, const CBitVector& set, TComponents& out);
+
 // The components in the order of their lowest triangle. Each list begins with the triangle that the
 // breadth-first search found last and ends with its seed. An empty set gives no list and true;
 // false for an empty mesh, a set of another size, or no memory.

@@ -22,14 +22,15 @@ inline uint32_t count_Corner(const T3DTRI& t, uint32_t v) {
   return (t.a == v ? 1u : 0u) + (t.b == v ? 1u : 0u) + (t.c == v ? 1u : 0u);
 }
 
-// For each edge k, from p to q, of each accepted triangle t: visit(t, k, others), where `others` is
-// the number of entries at p, those of t left out, whose accepted triangle contains q. A triangle
-// has as many entries at p as corners there. Edges come by their first vertex, then by triangle.
-// `shared` holds a zero for each vertex, before and after.
-template <typename Accept, typename Visit>
-void visit_Edges(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t* shared, Accept accept,
-                 Visit visit) {
+// For each edge k, from an accepted vertex p to q, of each accepted triangle t: visit(t, k,
+// others), where `others` is the number of entries at p, those of t left out, whose accepted
+// triangle contains q. A triangle has as many entries at p as corners there. Edges come by their
+// first vertex, then by triangle. `shared` holds a zero for each vertex, before and after.
+template <typename AcceptVtx, typename Accept, typename Visit>
+void visit_Edges(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t* shared, AcceptVtx accept_vtx,
+                 Accept accept, Visit visit) {
   for (uint32_t p = 0; p < msh.n_vtx; ++p) {
+    if (!accept_vtx(p)) continue;
     const uint32_t* list = vtx_tri.lists[p];
     const uint32_t count = vtx_tri.counts[p];
     for (uint32_t i = 0; i < count; ++i)
@@ -44,6 +45,12 @@ void visit_Edges(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t* shared, Accep
     for (uint32_t i = 0; i < count; ++i)
       each_Corner(msh.tri[list[i]], [&](uint32_t q) { shared[q] = 0; });
   }
+}
+template <typename Accept, typename Visit>
+void visit_Edges(const T3DMSH& msh, const TAdj& vtx_tri, uint32_t* shared, Accept accept,
+                 Visit visit) {
+  visit_Edges(
+      msh, vtx_tri, shared, [](uint32_t) { return true; }, accept, visit);
 }
 
 }  // namespace undercut

@@ -2,6 +2,7 @@
 // and its rounding cannot show in a result.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 
 #if defined(__SSE2__)
@@ -21,12 +22,17 @@ inline void store_Lanes(float* p, TLanes a) { _mm_store_ps(p, a.v); }
 inline TLanes fill_Lanes(float x) { return {_mm_set1_ps(x)}; }
 inline TLanes operator-(TLanes a, TLanes b) { return {_mm_sub_ps(a.v, b.v)}; }
 inline TLanes operator*(TLanes a, TLanes b) { return {_mm_mul_ps(a.v, b.v)}; }
+inline TLanes operator+(TLanes a, TLanes b) { return {_mm_add_ps(a.v, b.v)}; }
 inline TLanes greater(TLanes a, TLanes b) { return {_mm_max_ps(a.v, b.v)}; }
 inline TLanes lesser(TLanes a, TLanes b) { return {_mm_min_ps(a.v, b.v)}; }
-// Bit k tells whether a is not above b in lane k.
-inline uint32_t not_Above(TLanes a, TLanes b) {
-  return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmple_ps(a.v, b.v)));
+// Bit k tells about lane k: whether a is above b, whether a has a sign.
+inline uint32_t above(TLanes a, TLanes b) {
+  return static_cast<uint32_t>(_mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v)));
 }
+inline uint32_t negative(TLanes a) { return static_cast<uint32_t>(_mm_movemask_ps(a.v)); }
+inline TLanes sign_Of(TLanes a) { return {_mm_and_ps(a.v, _mm_set1_ps(-0.0f))}; }
+// Turned round where the other is negative.
+inline TLanes flip(TLanes a, TLanes sign) { return {_mm_xor_ps(a.v, sign.v)}; }
 
 #else
 
@@ -48,6 +54,9 @@ inline TLanes fill_Lanes(float x) { return {{x, x, x, x}}; }
 inline TLanes operator-(const TLanes& a, const TLanes& b) {
   return each_Lane(a, b, [](float x, float y) { return x - y; });
 }
+inline TLanes operator+(const TLanes& a, const TLanes& b) {
+  return each_Lane(a, b, [](float x, float y) { return x + y; });
+}
 inline TLanes operator*(const TLanes& a, const TLanes& b) {
   return each_Lane(a, b, [](float x, float y) { return x * y; });
 }
@@ -57,10 +66,21 @@ inline TLanes greater(const TLanes& a, const TLanes& b) {
 inline TLanes lesser(const TLanes& a, const TLanes& b) {
   return each_Lane(a, b, [](float x, float y) { return x < y ? x : y; });
 }
-inline uint32_t not_Above(const TLanes& a, const TLanes& b) {
+inline uint32_t above(const TLanes& a, const TLanes& b) {
   uint32_t bits = 0;
-  for (int k = 0; k < 4; ++k) bits |= (a.v[k] <= b.v[k] ? 1u : 0u) << k;
+  for (int k = 0; k < 4; ++k) bits |= (a.v[k] > b.v[k] ? 1u : 0u) << k;
   return bits;
+}
+inline uint32_t negative(const TLanes& a) {
+  uint32_t bits = 0;
+  for (int k = 0; k < 4; ++k) bits |= (std::signbit(a.v[k]) ? 1u : 0u) << k;
+  return bits;
+}
+inline TLanes sign_Of(const TLanes& a) {
+  return each_Lane(a, a, [](float x, float) { return std::copysign(0.0f, x); });
+}
+inline TLanes flip(const TLanes& a, const TLanes& sign) {
+  return each_Lane(a, sign, [](float x, float s) { return std::signbit(s) ? -x : x; });
 }
 
 #endif

@@ -1,29 +1,99 @@
 #include "mesh/sight.h"
 
+#include <cmath>
+
 #include "foundation/parallel.h"
 
 namespace undercut {
 
 namespace {
 
-uint8_t see_Tri(const C3DTriAABBTree& obstacle, const TRayStarts& starts, const T3DVEC& direction,
-                Ways ways, uint32_t t) {
+// What the ways to ask take on one thread, in ns, about: they decide which is taken, no more.
+constexpr double kSweep = 1e5, kSweepByTriangle = 40.0, kSweepByRay = 50.0;
+constexpr double kStartByTriangle = 50.0;
+constexpr double kTreeByTriangle = 200.0, kTreeByRay = 200.0;
+constexpr uint32_t kManyRays = 512;
+
+// False where no ray starts.
+bool start_Ray(const TRayStarts& starts, uint32_t t, T3DVEC& org) {
   const T3DFAC f = get_Fac(starts.msh, t);
-  if (is_Flat(f)) return kNoRay;
+  if (is_Flat(f)) {
+    org = {};
+    return false;
+  }
   const T3DVEC n = starts.nml ? starts.nml[t] : nml_Tri(f);
-  const T3DVEC start = cen_Tri(f) + starts.lift * n;
-  uint8_t seen = 0;
-  if (!obstacle.AnyHit({start, direction})) seen |= kSeesAhead;
-  if (ways == Ways::kBoth && !obstacle.AnyHit({start, -direction})) seen |= kSeesBehind;
-  return seen;
+  org = cen_Tri(f) + starts.lift * n;
+  return true;
 }
 
 }  // namespace
 
-void see_Along(const C3DTriAABBTree& obstacle, const TRayStarts& starts, const T3DVEC& direction,
-               Ways ways, const uint32_t* list, uint32_t count, uint8_t* sight) {
+void CSight::ini_Sight(const C3DTriAABBTree& obstacle, const TRayStarts& starts) {
+  obstacle_ = &obstacle;
+  starts_ = starts;
+  has_Starts_ = false;
+  can_Sweep_ = true;
+  lost_ = 0;
+}
+
+void CSight::clear() { *this = {}; }
+
+void CSight::make_Starts() {
+  const uint32_t n_tri = starts_.msh.n_tri;
+  orgs_.resize(n_tri);
+  no_ray_.resize(n_tri);
+  each_Index(n_tri, [&](uint32_t t) { no_ray_[t] = start_Ray(starts_, t, orgs_[t]) ? 0 : kNoRay; });
+  box_.reset();
+  can_Sweep_ = sweep_.ini_Msh(*obstacle_) && n_tri < kMostIndex;
+  for (uint32_t t = 0; t < n_tri; ++t) {
+    if (no_ray_[t]) continue;
+    const T3DVEC& org = orgs_[t];
+    if (!std::isfinite(org.x) || !std::isfinite(org.y) || !std::isfinite(org.z)) can_Sweep_ = false;
+    box_.add(org);
+  }
+  has_Starts_ = true;
+}
+
+// Few rays would be quicker in the tree, if only it were there: it is made when the sweeps have
+// lost as much time as its making takes. So whatever is asked takes at most about twice the time of
+// the better choice.
+bool CSight::prefers_Sweep(uint32_t rays) {
+  if (!can_Sweep_) return false;
+  const double n = obstacle_->mesh().n_tri;
+  const double sweep = kSweep + kSweepByTriangle * n + kSweepByRay * rays +
+                       (has_Starts_ ? 0.0 : kStartByTriangle * starts_.msh.n_tri);
+  const double tree = kTreeByRay * rays;
+  if (sweep <= tree) return true;
+  if (obstacle_->has_Rays()) return false;
+  lost_ += sweep - tree;
+  return lost_ < kTreeByTriangle * n;
+}
+
+uint8_t CSight::ask_Tree(const T3DVEC& org, const T3DVEC& direction, uint8_t open) const {
+  if ((open & kSeesAhead) && obstacle_->AnyHit({org, direction}))
+    open &= static_cast<uint8_t>(~kSeesAhead);
+  if ((open & kSeesBehind) && obstacle_->AnyHit({org, -direction}))
+    open &= static_cast<uint8_t>(~kSeesBehind);
+  return open;
+}
+
+void CSight::see_Along(const T3DVEC& direction, Ways ways, const uint32_t* list, uint32_t count,
+                       uint8_t* sight) {
+  if (count == 0) return;  // and perhaps no mesh
+  const uint8_t open = ways == Ways::kBoth ? kSeesAhead | kSeesBehind : kSeesAhead;
+  if (prefers_Sweep(ways == Ways::kBoth ? 2 * count : count)) {
+    if (!has_Starts_) make_Starts();
+    each_Index(count, [&](uint32_t i) {
+      const uint8_t none = no_ray_[list ? list[i] : i];
+      sight[i] = none ? none : open;
+    });
+    if (can_Sweep_ && sweep_.clear_Hit(direction, {orgs_.data(), box_, list, count, sight})) return;
+  }
+  if (count >= kManyRays) obstacle_->BuildRays();
   each_Index(count, [&](uint32_t i) {
-    sight[i] = see_Tri(obstacle, starts, direction, ways, list ? list[i] : i);
+    T3DVEC org;
+    sight[i] =
+        start_Ray(starts_, list ? list[i] : i, org) ? ask_Tree(org, direction, open) : kNoRay;
   });
 }
 

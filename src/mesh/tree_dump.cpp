@@ -75,13 +75,13 @@ void put_Box(TDump& dump, const C3DAABB& box) {
 }  // namespace
 
 bool C3DTriAABBTree::DumpNode(uint32_t node, const std::string& path) const {
-  if (node >= tree_.nodes.size()) return false;
+  if (node >= nodes().size()) return false;
   TDump dump(path);
   if (!dump.is_Open()) return false;
-  const TBoxNode<C3DAABB>& dumped = tree_.nodes[node];
+  const TBoxNode<C3DAABB>& dumped = nodes()[node];
   dump.text("solid Node\n");
   for (uint32_t i = dumped.first; i <= dumped.last; ++i) {
-    const T3DFAC f = get_Fac(msh_, tree_.items[i].id);
+    const T3DFAC f = get_Fac(msh_, items()[i].id);
     put_Facet(dump, f, nml_Tri(f));
   }
   put_Box(dump, dumped.box);

@@ -15,6 +15,8 @@
 #include "foundation/arrays.h"
 #include "foundation/box.h"
 #include "foundation/primitives.h"
+#include "mesh/box_tree.h"
+#include "mesh/made_once.h"
 #include "mesh/ray_tree.h"
 
 namespace undercut {
@@ -24,17 +26,29 @@ class C3DGeoAABBTree {
   virtual ~C3DGeoAABBTree() = default;
   // Writes what a node holds, for inspection.
   virtual bool DumpNode(uint32_t node, const std::string& path) const = 0;
-  const std::vector<TBoxNode<C3DAABB>>& nodes() const { return tree_.nodes; }
-  const std::vector<TBoxItem<C3DAABB>>& items() const { return tree_.items; }
+  const std::vector<TBoxNode<C3DAABB>>& nodes() const { return tree().nodes; }
+  const std::vector<TBoxItem<C3DAABB>>& items() const { return tree().items; }
 
  protected:
-  TBoxTree<C3DAABB> tree_;
+  virtual const TBoxTree<C3DAABB>& tree() const = 0;
 };
 
+// Two trees in one: the box tree, whose order shows in answers, and the tree of rays for AnyHit.
+// Each is made when a query first needs it, on several threads at once if it must be, and never
+// shows; a query that has no memory for it throws std::bad_alloc, and a later one tries again.
 class C3DTriAABBTree : public C3DGeoAABBTree {
  public:
-  // False for a mesh without arrays or counts, or without memory; the tree is then empty.
+  // Takes a mesh and the memory of the items, and makes neither tree. False for a mesh without
+  // arrays or counts or with a vertex index out of range, or without memory; the tree is then
+  // empty.
+  bool Prepare(const T3DMSH& msh);
+  // Prepare, and makes the box tree at once.
   bool Build(const T3DMSH& msh);
+  // Makes the tree of rays ahead of a parallel loop, on all threads. Throws std::bad_alloc.
+  void BuildRays() const;
+  bool has_Rays() const { return rays_made_.is_Made(); }
+  // Prepare, and makes the tree of rays at once.
+  bool BuildRays(const T3DMSH& msh);
   void Clear();
 
   // Each triangle that the whole line crosses, among those whose own box the ray reaches forward.
@@ -51,15 +65,20 @@ class C3DTriAABBTree : public C3DGeoAABBTree {
     excluded_ = triangle;
     excludes_ = true;
   }
+  bool has_Excluded() const { return excludes_; }
 
   bool DumpNode(uint32_t node, const std::string& path) const override;
   const T3DMSH& mesh() const { return msh_; }
 
  private:
+  const TBoxTree<C3DAABB>& tree() const override;
+  void make_Tree() const;
   bool any_Plain(const T3DRAY& ray) const;
 
   T3DMSH msh_ = {};
-  TRayTree rays_;  // answers AnyHit, but for rays and meshes that it does not take
+  mutable TBoxTree<C3DAABB> tree_;
+  mutable TRayTree rays_;  // answers AnyHit, but for rays and meshes that it does not take
+  mutable CMadeOnce tree_made_, rays_made_;
   uint32_t excluded_ = 0;
   bool excludes_ = false;
 };
@@ -75,6 +94,9 @@ class C3DPntAABBTree : public C3DGeoAABBTree {
   bool DumpNode(uint32_t node, const std::string& path) const override;
 
  private:
+  const TBoxTree<C3DAABB>& tree() const override { return tree_; }
+
+  TBoxTree<C3DAABB> tree_;
   const T3DVEC* points_ = nullptr;
   uint32_t count_ = 0;
 };

@@ -25,33 +25,66 @@ void collect(const TBoxTree<C3DAABB>& tree, TLst<uint32_t>& lst, Judge judge, Te
 
 }  // namespace
 
-bool C3DTriAABBTree::Build(const T3DMSH& msh) {
+bool C3DTriAABBTree::Prepare(const T3DMSH& msh) {
   Clear();
   if (!is_Usable(msh)) return false;
+  for (uint32_t t = 0; t < msh.n_tri; ++t)
+    if (!has_Corners(msh.tri[t], msh.n_vtx)) return false;
   try {
     tree_.items.reserve(msh.n_tri);
-    for (uint32_t t = 0; t < msh.n_tri; ++t) {
-      if (!has_Corners(msh.tri[t], msh.n_vtx)) {
-        Clear();
-        return false;
-      }
-      C3DAABB box;
-      box.from_Tri(get_Fac(msh, t));
-      tree_.items.push_back({t, box});
-    }
-    tree_.build();
-    rays_.build(tree_, msh);
   } catch (const std::bad_alloc&) {
-    Clear();
     return false;
   }
   msh_ = msh;
   return true;
 }
 
+bool C3DTriAABBTree::Build(const T3DMSH& msh) {
+  if (!Prepare(msh)) return false;
+  try {
+    tree();
+  } catch (const std::bad_alloc&) {
+    Clear();
+    return false;
+  }
+  return true;
+}
+
+bool C3DTriAABBTree::BuildRays(const T3DMSH& msh) {
+  if (!Prepare(msh)) return false;
+  try {
+    BuildRays();
+  } catch (const std::bad_alloc&) {
+    Clear();
+    return false;
+  }
+  return true;
+}
+
+void C3DTriAABBTree::BuildRays() const {
+  rays_made_.ensure([&] { rays_.build(msh_); });
+}
+
+const TBoxTree<C3DAABB>& C3DTriAABBTree::tree() const {
+  tree_made_.ensure([&] { make_Tree(); });
+  return tree_;
+}
+
+void C3DTriAABBTree::make_Tree() const {
+  tree_.items.clear();
+  for (uint32_t t = 0; t < msh_.n_tri; ++t) {
+    C3DAABB box;
+    box.from_Tri(get_Fac(msh_, t));
+    tree_.items.push_back({t, box});
+  }
+  tree_.build();
+}
+
 void C3DTriAABBTree::Clear() {
   tree_.clear();
+  tree_made_.forget();
   rays_.clear();
+  rays_made_.forget();
   msh_ = {};
   excluded_ = 0;
   excludes_ = false;
@@ -62,7 +95,7 @@ void C3DTriAABBTree::Clear() {
 void C3DTriAABBTree::QueryLine(const T3DRAY& ray, TLst<uint32_t>& lst) const {
   const T3DRAY back = {ray.org, -ray.dir};
   collect(
-      tree_, lst,
+      tree(), lst,
       [&](const C3DAABB& box) { return hit_Box(ray, box) ? Verdict::kReached : Verdict::kMissed; },
       [&](const TBoxItem<C3DAABB>& item) {
         if (!hit_Box(ray, item.box)) return false;
@@ -73,7 +106,7 @@ void C3DTriAABBTree::QueryLine(const T3DRAY& ray, TLst<uint32_t>& lst) const {
 
 void C3DTriAABBTree::QueryCylinder(const T3DCYL& cylinder, TLst<uint32_t>& lst) const {
   collect(
-      tree_, lst,
+      tree(), lst,
       [&](const C3DAABB& box) {
         if (!hit_CylBox(cylinder, box)) return Verdict::kMissed;
         return in_Cyl(cylinder, box) ? Verdict::kInside : Verdict::kReached;
@@ -83,7 +116,7 @@ void C3DTriAABBTree::QueryCylinder(const T3DCYL& cylinder, TLst<uint32_t>& lst) 
 
 void C3DTriAABBTree::QuerySlab(const T3DSLB& slab, TLst<uint32_t>& lst) const {
   collect(
-      tree_, lst,
+      tree(), lst,
       [&](const C3DAABB& box) {
         if (!hit_SlabBox(slab, box)) return Verdict::kMissed;
         return in_Slab(slab, box) ? Verdict::kInside : Verdict::kReached;
@@ -92,18 +125,21 @@ void C3DTriAABBTree::QuerySlab(const T3DSLB& slab, TLst<uint32_t>& lst) const {
 }
 
 bool C3DTriAABBTree::AnyHit(const T3DRAY& ray) const {
-  if (excludes_ || !rays_.takes(ray)) return any_Plain(ray);
+  if (excludes_) return any_Plain(ray);
+  BuildRays();
+  if (!rays_.takes(ray)) return any_Plain(ray);
   return rays_.any_Hit(ray, msh_);
 }
 
 bool C3DTriAABBTree::any_Plain(const T3DRAY& ray) const {
+  const TBoxTree<C3DAABB>& box_tree = tree();
   bool hit = false;
   walk_Tree(
-      tree_,
+      box_tree,
       [&](const C3DAABB& box) { return hit_Box(ray, box) ? Verdict::kReached : Verdict::kMissed; },
       [&](const TBoxNode<C3DAABB>& node, Verdict) {
         for (uint32_t i = node.first; i <= node.last && !hit; ++i) {
-          const TBoxItem<C3DAABB>& item = tree_.items[i];
+          const TBoxItem<C3DAABB>& item = box_tree.items[i];
           if (excludes_ && item.id == excluded_) continue;
           // hit_Box and hit_Tri would take a triangle without numbers for one that lies everywhere,
           // and it would block every ray that comes to its leaf.

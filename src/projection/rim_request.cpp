@@ -50,7 +50,7 @@ void flood_Area(CallFrame& frame, const TRimInput& in, CBitVector& area) {
   Scoped<TLst<uint32_t>> queue;
   frame.need(alloc(*queue, in.msh.n_tri), -13);
   C3DTriAABBTree tree;
-  frame.need(tree.Build(in.msh), -14);
+  frame.need(tree.BuildRays(in.msh), -14);
   Scoped<TAdj> tri_tri;
   frame.need(adj_TriTri(in.msh, *tri_tri) == 0, -15);
   const TRimFlood flood = {in.msh, -in.frm.z, in.lift, in.start};

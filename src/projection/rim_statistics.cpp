@@ -41,7 +41,7 @@ class CRimStats {
 };
 
 void CRimStats::build_Tables() {
-  frame_.need(tree_.Build(in_.msh), -12);
+  frame_.need(tree_.BuildRays(in_.msh), -12);
   frame_.need(adj_VtxTri(in_.msh, *vtx_tri_) == 0, -14);
 }
 

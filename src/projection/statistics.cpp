@@ -78,17 +78,17 @@ int32_t get_Sta(const TUcReq* req, TUcRes* res) {
     Scoped<TArr<T3DMAT>> axes;
     need_Stats(frame, in, *axes);
     C3DTriAABBTree tree;
-    frame.need(tree.Build(in.msh), -12);
+    frame.need(tree.Prepare(in.msh), -12);
     Scoped<TArr<uint8_t>> sight;
     frame.need(alloc(*sight, most_Triangles(in)), -13);
     Scoped<TArr<TUcStat>> stats;
     frame.need(alloc(*stats, in.cav.capacity), -14);
 
     frame.at(-13);
+    CSight eye(tree, {in.msh, in.lift});
     for (uint32_t k = 0; k < in.cav.capacity; ++k) {
       const TLstU32 region = get_Region(in, k);
-      see_Along(tree, {in.msh, in.lift}, ray_Dir(axes->data[k]), Ways::kAhead, region.data,
-                region.count, sight->data);
+      eye.see_Along(ray_Dir(axes->data[k]), Ways::kAhead, region.data, region.count, sight->data);
       stats->data[k] = sum_Sight(in.msh, region, sight->data);
     }
     res->sta = stats.take().data;

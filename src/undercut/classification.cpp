@@ -72,12 +72,11 @@ void close_Seen(TOpen& open, CBitVector& seen) {
 
 void see_Axes(const TArr<T3DMAT>& axes, const CTestMesh& test, double lift, TOpen& open,
               CBitVector& seen) {
-  const TRayStarts starts = {test.mesh(), lift};
+  CSight eye(test.tree(), {test.mesh(), lift});
   for (uint32_t k = 0; k < axes.count && open.list->count != 0; ++k) {
     T3DFRM frm;
     mat_ToFrm(axes.data[k], frm);
-    see_Along(test.tree(), starts, -frm.z, Ways::kAhead, open.list->data, open.list->count,
-              open.sight->data);
+    eye.see_Along(-frm.z, Ways::kAhead, open.list->data, open.list->count, open.sight->data);
     close_Seen(open, seen);
   }
 }

@@ -85,7 +85,7 @@ int32_t get_UCd(const TUcReq* req, TUcRes* res) {
     g_Mrk.clear_All();
     g_Ucs.set_All();
     C3DTriAABBTree obstacle;
-    frame.need(obstacle.Build(in.msh_c), -16);
+    frame.need(obstacle.BuildRays(in.msh_c), -16);
     for (uint32_t k = 0; k < in.axi.count; ++k) {
       test_Band(in, obstacle, in.axi.data[k].dir, [](uint32_t t, bool blocked) {
         if (blocked) g_Ucs.clear(t);
@@ -120,7 +120,7 @@ int32_t get_UCc(const TUcReq* req, TUcRes* res) {
     g_Mrk.clear_All();
     g_Ucs.clear_All();
     C3DTriAABBTree obstacle;
-    frame.need(obstacle.Build(in.msh_c), -19);
+    frame.need(obstacle.BuildRays(in.msh_c), -19);
     for (uint32_t k = 0; k < in.axi.count; ++k) {
       test_Band(in, obstacle, in.axi.data[k].dir, [](uint32_t t, bool blocked) {
         if (!blocked) append(g_Aux, t);

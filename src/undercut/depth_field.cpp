@@ -2,19 +2,17 @@
 // across the tool axis, from its centroid to the rim of the undercut patch that holds it, and the
 // smallest such distance over all axes. Lengths in mm.
 //
-// Each axis casts rays from the triangles alone that no axis before it has seen. Distances spread
-// through a patch from neighbour to neighbour (depth_flood.h), so that a patch costs about as many
-// small queries as it has triangles.
+// Each axis casts rays from the triangles alone that no axis before it has seen. So what it does
+// not see is what no axis so far has seen, and a triangle has the smallest of its distances.
 #include <algorithm>
 #include <cstdio>
 
+#include "foundation/parallel.h"
 #include "interface/parameters.h"
-#include "mesh/boundary.h"
-#include "mesh/components.h"
 #include "mesh/sight.h"
 #include "mesh/weld.h"
-#include "undercut/depth_flood.h"
 #include "undercut/depth_request.h"
+#include "undercut/patch_rims.h"
 #include "undercut/selection.h"
 #include "undercut/test_mesh.h"
 
@@ -33,6 +31,7 @@ class CDepthField {
     need_Axes(frame_, in_, *axes_);
     need_Selection(frame_, in_, sel_);
   }
+  void choose_Way();
   void size_Sets();
   void build_Test();
   void weld();
@@ -42,10 +41,9 @@ class CDepthField {
 
  private:
   void classify(const T3DFRM& frm);
-  void clear_Seen();
-  void rate_Hit(uint32_t axis, const T3DFRM& frm);
-  bool drop_Small(uint32_t axis, uint32_t j, const TLst<uint32_t>& patch);
-  void rate_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm);
+  void rate_Hidden(uint32_t axis, const T3DFRM& frm);
+  bool drop_Small(uint32_t axis, uint32_t j);
+  void flood(const T3DFRM& frm);
 
   CallFrame& frame_;
   const CUCsPar& par_;
@@ -53,29 +51,44 @@ class CDepthField {
   T3DMSH view_;  // the mesh, or the welded one
   Scoped<TWeld> weld_;
   Scoped<TArr<T3DMAT>> axes_;
+  bool floods_ = false;  // the slack is not ample: distances spread from triangle to triangle
   CTestMesh test_;
   Scoped<TAdj> vtx_tri_, tri_tri_;
+  CPatchRims patches_{view_, *tri_tri_};
   CBitVector sel_;
-  CBitVector seen_, dark_;  // from some axis; hit from every axis so far
-  CBitVector vis_, hit_;    // from one axis; later `hit` is the working set of one patch
-  CBitVector rim_v_;        // by vertex: ends of the mesh's own open border
+  CSight eye_;
+  Scoped<TArr<uint8_t>> sight_;    // what an axis finds for each triangle of the list
+  Scoped<TArr<uint32_t>> hidden_;  // what no axis has seen yet, in rising order
+  CBitVector waiting_;             // the same as a set; of the flood, the working set of one patch
+  CBitVector rim_v_;               // by vertex: ends of the mesh's own open border
   Scoped<TArr<double>> dfi_, rho_;
   TNodePool<CQueue::Node> pool_;  // before the queue, which gives its nodes back
   CQueue queue_;
-  Scoped<TArr<uint32_t>> todo_;    // triangles that no axis has seen yet
-  Scoped<TArr<uint8_t>> sight_;    // what an axis finds for each of them
-  Scoped<TArr<uint32_t>> number_;  // for bnd_Lst
 };
 
-// An empty mesh has no bits and ends here.
+T3DFRM get_Frame(const T3DMAT& mat) {
+  T3DFRM frm;
+  mat_ToFrm(mat, frm);
+  return frm;
+}
+
+// A weld leaves no vertex outside the extent of the mesh.
+void CDepthField::choose_Way() {
+  const double extent = find_Extent(in_.msh);
+  for (uint32_t k = 0; k < axes_->count; ++k)
+    floods_ = floods_ || !is_Ample(par_.f_off, extent, get_Frame(axes_->data[k]));
+}
+
+// An empty mesh has nothing to see and ends here.
 void CDepthField::size_Sets() {
   const uint32_t n_tri = in_.msh.n_tri;
-  frame_.need(seen_.init(n_tri), -12);
-  frame_.need(dark_.init(n_tri), -13);
-  frame_.need(vis_.init(n_tri), -14);
-  frame_.need(hit_.init(n_tri), -15);
+  frame_.need(n_tri > 0 && alloc(*sight_, n_tri), -12);
+  frame_.need(alloc(*hidden_, n_tri), -13);
+  frame_.need(patches_.reserve(n_tri), -14);
+  frame_.need(waiting_.init(n_tri), -15);
   frame_.need(rim_v_.init(in_.msh.n_vtx), -16);
   frame_.need(alloc(*dfi_, n_tri), -17);
+  if (!floods_) return;
   frame_.need(alloc(*rho_, n_tri), -18);
   frame_.need(n_tri <= INT32_MAX && pool_.init(static_cast<int32_t>(n_tri)), -19);
   queue_.SetPool(&pool_);
@@ -98,103 +111,76 @@ void CDepthField::weld() {
 void CDepthField::build_Adjacency() {
   frame_.need(adj_VtxTri(view_, *vtx_tri_) == 0, -24);
   frame_.need(adj_TriTri(view_, *vtx_tri_, *tri_tri_) == 0, -25);
-  frame_.need(mark_Open(view_, *vtx_tri_, rim_v_), -26);
+  frame_.need(mark_Open(view_, *tri_tri_, rim_v_), -26);
 }
 
 void CDepthField::run_Axes() {
   frame_.at(UNDERCUT_NO_MEMORY);
-  frame_.need(
-      alloc(*todo_, view_.n_tri) && alloc(*sight_, view_.n_tri) && alloc(*number_, view_.n_vtx),
-      UNDERCUT_NO_MEMORY);
   std::fill_n(dfi_->data, dfi_->count, kAbsent);
-  std::fill_n(rho_->data, rho_->count, kAbsent);
-  dark_.set_All();
-  for (uint32_t k = 0; k < axes_->count; ++k) {
-    T3DFRM frm;
-    mat_ToFrm(axes_->data[k], frm);
-    classify(frm);
-    clear_Seen();
-    rate_Hit(k, frm);
-    if (dark_.is_Empty()) break;
-  }
-}
-
-// A triangle with two equal corners starts no ray and is neither seen nor hit.
-void CDepthField::classify(const T3DFRM& frm) {
-  uint32_t count = 0;
-  for (uint32_t t = 0; t < view_.n_tri; ++t)
-    if (!seen_.test(t)) todo_->data[count++] = t;
+  for (uint32_t t = 0; t < view_.n_tri; ++t) hidden_->data[t] = t;
   // Rays start where the tree stands: on the soup where there is one, else on the welded corners,
   // which a tree over the unwelded mesh follows within the tolerance of the weld.
-  const TRayStarts starts = {par_.f_dil <= 0.0 ? view_ : test_.mesh(), par_.f_tol};
-  see_Along(test_.tree(), starts, -frm.z, Ways::kAhead, todo_->data, count, sight_->data);
-  vis_.clear_All();
-  vis_ |= seen_;
-  hit_.clear_All();
-  for (uint32_t i = 0; i < count; ++i) {
-    if (sight_->data[i] & kSeesAhead)
-      vis_.set(todo_->data[i]);
-    else if (!(sight_->data[i] & kNoRay))
-      hit_.set(todo_->data[i]);
-  }
-  seen_ |= vis_;
-  dark_ &= hit_;
-}
-
-void CDepthField::clear_Seen() {
-  Scoped<TLst<TLst<uint32_t>>> parts;
-  frame_.need(cmp_Adj(view_, *tri_tri_, vis_, *parts), -27);
-  for (uint32_t i = 0; i < parts->count; ++i) {
-    const TLst<uint32_t>& part = parts->data[i];
-    for (uint32_t k = 0; k < part.count; ++k) dfi_->data[part.data[k]] = 0.0;
+  eye_.ini_Sight(test_.tree(), {par_.f_dil <= 0.0 ? view_ : test_.mesh(), par_.f_tol});
+  for (uint32_t k = 0; k < axes_->count && hidden_->count > 0; ++k) {
+    const T3DFRM frm = get_Frame(axes_->data[k]);
+    classify(frm);
+    rate_Hidden(k, frm);
   }
 }
 
-void CDepthField::rate_Hit(uint32_t axis, const T3DFRM& frm) {
-  Scoped<TLst<TLst<uint32_t>>> patches;
-  frame_.need(cmp_Adj(view_, *tri_tri_, hit_, *patches), -28);
-  hit_.clear_All();
-  for (uint32_t j = 0; j < patches->count; ++j) {
-    const TLst<uint32_t>& patch = patches->data[j];
-    if (patch.count > 0 && !drop_Small(axis, j, patch)) rate_Patch(patch, frm);
+// Keeps in the list what is still hidden. A triangle with two equal corners starts no ray and is
+// neither seen nor hidden.
+void CDepthField::classify(const T3DFRM& frm) {
+  eye_.see_Along(-frm.z, Ways::kAhead, hidden_->data, hidden_->count, sight_->data);
+  uint32_t kept = 0;
+  for (uint32_t i = 0; i < hidden_->count; ++i) {
+    const uint32_t t = hidden_->data[i];
+    if (sight_->data[i] & kSeesAhead) dfi_->data[t] = 0.0;
+    hidden_->data[kept] = t;
+    kept += sight_->data[i] == 0;
   }
+  hidden_->count = kept;
+}
+
+void CDepthField::rate_Hidden(uint32_t axis, const T3DFRM& frm) {
+  waiting_.clear_All();
+  each_Index(hidden_->count, [&](uint32_t i) { waiting_.set(hidden_->data[i]); });
+  frame_.need(patches_.find(waiting_), -27);
+  frame_.need(patches_.make_Rims(), -28);
+  frame_.need(patches_.list_Borders(waiting_), -29);
+  for (uint32_t j = 0; j < patches_.count(); ++j) {
+    if (drop_Small(axis, j)) continue;
+    const int32_t built = patches_.build_Rim(j, rim_v_, frm);
+    frame_.need(built == 0, -29 + built);
+  }
+  if (floods_)
+    flood(frm);
+  else
+    patches_.measure(frm, dfi_->data);
 }
 
 // The rated area counts each triangle of the patch with the area of one and the same triangle: the
 // mesh's triangle j, where j is the number of the patch. Results hang on that. There are no more
 // patches than triangles, so j is one of them.
-bool CDepthField::drop_Small(uint32_t axis, uint32_t j, const TLst<uint32_t>& patch) {
+bool CDepthField::drop_Small(uint32_t axis, uint32_t j) {
   if (!(par_.f_srf > 0.0)) return false;
   const double each = area_Tri(get_Fac(view_, j));
+  const uint32_t size = patches_.size(j);
   double area = 0.0;
-  for (uint32_t i = 0; i < patch.count; ++i) area += each;
+  for (uint32_t i = 0; i < size; ++i) area += each;
   if (area > par_.f_srf) return false;
-  for (uint32_t i = 0; i < patch.count; ++i) dfi_->data[patch.data[i]] = 0.0;
+  for (uint32_t i = 0; i < size; ++i) dfi_->data[patches_.triangles(j)[i]] = 0.0;
   if constexpr (kPrintAreas)
     std::fprintf(stderr, "UC(%d,%4d):=%lf qmm\n", static_cast<int>(axis), static_cast<int>(j),
                  area);
   return true;
 }
 
-void CDepthField::rate_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm) {
-  Scoped<TArr<T3DSGM>> border;
-  frame_.need(bnd_Lst(view_, patch, number_->data, *border) == 0, -29);
-  if (border->count == 0) return;
-  drop_Open(*border, rim_v_);
-  CRim rim;
-  const int32_t built = rim.Build(view_, *border, frm);
-  frame_.need(built == 0, -29 + built);
-  // `hit` is all clear here, and again after the flood: a patch costs what it holds, not what the
-  // mesh holds.
-  for (uint32_t i = 0; i < patch.count; ++i)
-    if (dark_.test(patch.data[i])) hit_.set(patch.data[i]);
-  const TFlood flood = {view_, *tri_tri_, frm, par_.f_off, hit_, queue_, rho_->data};
-  const int32_t flooded = flood_Depth(flood, rim, patch);
-  frame_.need(flooded == 0, -32 + flooded);
-  for (uint32_t i = 0; i < patch.count; ++i) {
-    const uint32_t t = patch.data[i];
-    if (dark_.test(t)) dfi_->data[t] = std::min(dfi_->data[t], rho_->data[t]);
-  }
+void CDepthField::flood(const T3DFRM& frm) {
+  waiting_.clear_All();
+  const int32_t flooded = patches_.measure_ByFlood(
+      {view_, *tri_tri_, frm, par_.f_off, waiting_, queue_, rho_->data}, dfi_->data);
+  frame_.need(flooded == 0, -31 + flooded);
 }
 
 double* CDepthField::finish() {
@@ -215,6 +201,7 @@ int32_t get_dFi(const TUcReq* req, TUcRes* res) {
 
     CDepthField field(frame, par, in);
     field.begin();
+    field.choose_Way();
     field.size_Sets();
     field.build_Test();
     field.weld();

@@ -10,11 +10,6 @@ namespace {
 // with sets and pools of the mesh's size.
 constexpr int32_t kSeedKept = -1, kSeedNotPushed = -2, kNotPopped = -3, kKept = -4, kNotPushed = -5;
 
-T2DVEC get_Place(const TFlood& flood, uint32_t t) {
-  const T3DVEC p = to_Local(flood.frm, cen_Tri(get_Fac(flood.msh, t)));
-  return {p.x, p.y};
-}
-
 double ask_Rim(CRim& rim, const C2DCIRC& circle) {
   const double distance = rim.ask_Near(circle);
   if (distance == kAbsent) std::fputs("rho==+DBL_MAX\n", stderr);
@@ -25,11 +20,11 @@ int32_t spread(const TFlood& flood, CRim& rim) {
   while (!flood.queue.is_Empty()) {
     uint32_t t = kNone;
     if (!flood.queue.pop(t)) return kNotPopped;
-    const T2DVEC p = get_Place(flood, t);
+    const T2DVEC p = get_Place(flood.msh, flood.frm, t);
     for (uint32_t i = 0; i < flood.tri_tri.counts[t]; ++i) {
       const uint32_t n = flood.tri_tri.lists[t][i];
       if (!flood.waiting.test(n)) continue;
-      const T2DVEC q = get_Place(flood, n);
+      const T2DVEC q = get_Place(flood.msh, flood.frm, n);
       flood.rho[n] = ask_Rim(rim, {q, flood.rho[t] + dst(p, q) + flood.slack});
       if (!flood.waiting.clear(n)) return kKept;
       if (!flood.queue.push(n)) return kNotPushed;
@@ -40,11 +35,16 @@ int32_t spread(const TFlood& flood, CRim& rim) {
 
 }  // namespace
 
+T2DVEC get_Place(const T3DMSH& msh, const T3DFRM& frm, uint32_t t) {
+  const T3DVEC p = to_Local(frm, cen_Tri(get_Fac(msh, t)));
+  return {p.x, p.y};
+}
+
 int32_t flood_Depth(const TFlood& flood, CRim& rim, const TLst<uint32_t>& list) {
   for (uint32_t i = 0; i < list.count; ++i) {
     const uint32_t seed = list.data[i];
     if (!flood.waiting.test(seed)) continue;
-    flood.rho[seed] = rim.walk_All(get_Place(flood, seed));
+    flood.rho[seed] = rim.walk_All(get_Place(flood.msh, flood.frm, seed));
     if (!flood.waiting.clear(seed)) return kSeedKept;
     if (!flood.queue.push(seed)) return kSeedNotPushed;
     if (const int32_t code = spread(flood, rim)) return code;

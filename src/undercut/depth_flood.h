@@ -1,8 +1,11 @@
 // The distances of the triangles of a patch from its rim, in mm, from triangle to neighbour.
 //
-// The first triangle of a patch pays for a walk along the whole rim. By the triangle inequality the
-// rim lies no farther from a neighbour than this distance plus that between the two, so each of the
-// others pays for the few segments within a small circle.
+// The first triangle of a patch walks along the whole rim. By the triangle inequality the rim lies
+// no farther from a neighbour than this distance plus that between the two, so each of the others
+// asks for what lies within a small circle. Where the slack added to it is ample (is_Ample), that
+// gives every triangle its distance from the whole rim, and the triangles are measured on their own
+// instead (patch_rims.h); where it is not, what a circle misses shows in the result, and so does
+// the order of the flood.
 #pragma once
 
 #include "foundation/bit_vector.h"
@@ -21,6 +24,9 @@ struct TFlood {
   CQueue& queue;        // empty, with a node for each triangle
   double* rho;          // by triangle: the distances
 };
+
+// The centroid of a triangle, across the Z axis of the frame.
+T2DVEC get_Place(const T3DMSH& msh, const T3DFRM& frm, uint32_t t);
 
 // Floods from each triangle of the list, in list order, whose bit is still set; clears the bits of
 // all that it reaches. Where the circle holds no part of the rim (a slack below 0, coordinates that

@@ -4,7 +4,7 @@
 // Both ask of each triangle whether it sees out along the direction (mesh/sight.h), and both are
 // measures of area: mm2 for three axes, a fraction without unit for five. Rays are cast in
 // parallel; sums run over the triangles in list order, so a rating has the same bits for any number
-// of threads. A rating allocates nothing.
+// of threads. Ratings share their memory: a further one allocates only where it needs more.
 //
 // Life: construct, set the weights, ini_Err, any number of ratings, destruct. ini_Err may be
 // repeated. What is read of the mesh is a view: it must stay alive and unchanged.
@@ -52,7 +52,7 @@ class C3axUcErr final : public CXaxUcErr {
 class C5axUcErr final : public CXaxUcErr {
  public:
   void set_Gew(double gew) { gew_ = gew; }  // weight of the tilt
-  void set_Off(double off) { off_ = off; }  // lift of the ray's start, in mm
+  void set_Off(double off);                 // lift of the ray's start, in mm
   // The triangles to rate; a null list: all. The list stays the caller's, its indices in range.
   void set_Sel(const TLst<uint32_t>& sel) { sel_ = sel; }
   // theta and phi at the low end, then at the high end, in degrees.

@@ -23,11 +23,17 @@ double sine_Between(const T3DVEC& a, const T3DVEC& b) {
 
 }  // namespace
 
+void C5axUcErr::set_Off(double off) {
+  off_ = off;
+  mesh_.eye.ini_Sight(mesh_.tree, {mesh_.msh, off_, mesh_.nml});
+}
+
 void C5axUcErr::set_Box(const double (&box)[4]) { std::copy_n(box, 4, box_); }
 
 bool C5axUcErr::ini_Err(const T3DMSH& mesh) {
   clr_Err();
   if (!mesh_.prepare(mesh)) return false;
+  set_Off(off_);
   for (uint32_t t = 0; t < mesh.n_tri; ++t) sum_ += mesh_.area[t];
   return true;
 }
@@ -42,8 +48,7 @@ void C5axUcErr::clr_Err() {
 // blocked, with its area of 0.
 void C5axUcErr::add_Block(const T3DVEC& direction, const uint32_t* list, uint32_t count,
                           TSums& sums) {
-  see_Along(mesh_.tree, {mesh_.msh, off_, mesh_.nml}, direction, Ways::kAhead, list, count,
-            mesh_.sight);
+  mesh_.eye.see_Along(direction, Ways::kAhead, list, count, mesh_.sight);
   for (uint32_t i = 0; i < count; ++i) {
     const uint32_t t = list ? list[i] : i;
     if (mesh_.sight[i] & kSeesAhead) {

@@ -11,13 +11,13 @@
 
 #include "files/stage_line.h"
 #include "files/writers.h"
+#include "foundation/parallel.h"
 #include "interface/parameters.h"
 #include "mesh/boundary.h"
-#include "mesh/components.h"
 #include "mesh/sight.h"
-#include "undercut/depth_flood.h"
 #include "undercut/depth_request.h"
 #include "undercut/joined_mesh.h"
+#include "undercut/patch_rims.h"
 #include "undercut/selection.h"
 
 namespace undercut {
@@ -41,6 +41,7 @@ class CJointDepth {
     need_Selection(frame_, in_, sel_);
   }
   void join();
+  void choose_Way();
   void build_Trees();
   void size_Sets();
   void build_Adjacency();
@@ -49,12 +50,11 @@ class CJointDepth {
   double* finish();
 
  private:
-  void cast(const C3DTriAABBTree& tree, const T3DMSH& msh, const T3DFRM& frm, CBitVector& hit,
-            CBitVector& vis);
+  void cast(CSight& eye, uint32_t n_tri, const T3DFRM& frm, CBitVector& hit, CBitVector& vis);
   void print_Counts(uint32_t axis) const;
   void flood_Added(const TShadows& shadows, const T3DFRM& frm);
   void flood_Own(const TShadows& shadows, const T3DFRM& frm);
-  int32_t spread_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm, CRim& rim, double* rho);
+  TFlood get_Flood(const T3DFRM& frm, double* rho);
   void combine(const TShadows& shadows);
 
   CallFrame& frame_;
@@ -63,18 +63,20 @@ class CJointDepth {
   const T3DMSH msh_;
   Scoped<T3DMSH> sum_;
   Scoped<TArr<T3DMAT>> axes_;
+  bool floods_ = false;  // the slack is not ample: distances spread from triangle to triangle
   C3DTriAABBTree msh_tree_, sum_tree_;
   CBitVector sel_;
   std::unique_ptr<TShadows[]> shadows_;  // by axis
   CBitVector clear_;                     // free of both shadows along some axis
-  CBitVector waiting_;                   // the working set of one patch
+  CBitVector waiting_;                   // the working set of one patch of a flood
   CBitVector msh_ends_, sum_ends_;       // by vertex: ends of the open borders
-  Scoped<TArr<double>> dfi_, rho_add_, rho_own_;
+  Scoped<TArr<double>> dfi_, rho_add_, rho_own_, rho_;
   TNodePool<CQueue::Node> pool_;  // before the queue, which gives its nodes back
   CQueue queue_;
-  Scoped<TAdj> vtx_tri_, tri_tri_, sum_vtx_tri_;
+  Scoped<TAdj> vtx_tri_, tri_tri_, sum_tri_tri_;
+  CPatchRims patches_{msh_, *tri_tri_};
+  CSight own_eye_, add_eye_, sum_eye_;  // the mesh at itself, at the sum, and the sum at itself
   Scoped<TArr<uint8_t>> sight_;
-  Scoped<TArr<uint32_t>> number_;  // for bnd_Lst
 };
 
 T3DFRM get_Frame(const T3DMAT& mat) {
@@ -90,10 +92,19 @@ void CJointDepth::join() {
   stl_Msh("D:/sum.stl", *sum_);
 }
 
+void CJointDepth::choose_Way() {
+  const double extent = std::max(find_Extent(msh_), find_Extent(*sum_));
+  for (uint32_t k = 0; k < axes_->count; ++k)
+    floods_ = floods_ || !is_Ample(par_.f_off, extent, get_Frame(axes_->data[k]));
+}
+
 // An empty mesh ends here.
 void CJointDepth::build_Trees() {
-  frame_.need(msh_tree_.Build(msh_), -10);
-  frame_.need(sum_tree_.Build(*sum_), -11);
+  frame_.need(msh_tree_.Prepare(msh_), -10);
+  frame_.need(sum_tree_.Prepare(*sum_), -11);
+  own_eye_.ini_Sight(msh_tree_, {msh_, par_.f_tol});
+  add_eye_.ini_Sight(sum_tree_, {msh_, par_.f_tol});
+  sum_eye_.ini_Sight(sum_tree_, {*sum_, par_.f_tol});
 }
 
 void CJointDepth::size_Sets() {
@@ -110,12 +121,14 @@ void CJointDepth::size_Sets() {
     frame_.need(shadows.sum_vis.init(n_sum), -17);
   }
   frame_.need(clear_.init(n_tri), -18);
-  frame_.need(waiting_.init(n_tri), -19);
+  frame_.need(waiting_.init(n_tri) && patches_.reserve(n_tri), -19);
   frame_.need(msh_ends_.init(msh_.n_vtx), -20);
   frame_.need(sum_ends_.init(sum_->n_vtx), -21);
   frame_.need(alloc(*dfi_, n_tri), -22);
   frame_.need(alloc(*rho_add_, n_tri), -23);
   frame_.need(alloc(*rho_own_, n_tri), -24);
+  if (!floods_) return;
+  frame_.need(alloc(*rho_, n_tri), -24);
   frame_.need(n_tri <= INT32_MAX && pool_.init(static_cast<int32_t>(n_tri)), -25);
   queue_.SetPool(&pool_);
 }
@@ -123,21 +136,17 @@ void CJointDepth::size_Sets() {
 void CJointDepth::build_Adjacency() {
   frame_.need(adj_VtxTri(msh_, *vtx_tri_) == 0, -26);
   frame_.need(adj_TriTri(msh_, *vtx_tri_, *tri_tri_) == 0, -27);
-  frame_.need(mark_Open(msh_, *vtx_tri_, msh_ends_), -28);
-  frame_.need(adj_VtxTri(*sum_, *sum_vtx_tri_) == 0, -29);
-  frame_.need(mark_Open(*sum_, *sum_vtx_tri_, sum_ends_), -30);
+  frame_.need(mark_Open(msh_, *tri_tri_, msh_ends_), -28);
+  frame_.need(adj_TriTri(*sum_, *sum_tri_tri_) == 0, -29);
+  frame_.need(mark_Open(*sum_, *sum_tri_tri_, sum_ends_), -30);
 }
 
-// Each triangle of `msh` against the tree, along minus Z.
-void CJointDepth::cast(const C3DTriAABBTree& tree, const T3DMSH& msh, const T3DFRM& frm,
-                       CBitVector& hit, CBitVector& vis) {
-  see_Along(tree, {msh, par_.f_tol}, -frm.z, Ways::kAhead, nullptr, msh.n_tri, sight_->data);
-  for (uint32_t t = 0; t < msh.n_tri; ++t) {
-    if (sight_->data[t] & kSeesAhead)
-      vis.set(t);
-    else if (!(sight_->data[t] & kNoRay))
-      hit.set(t);
-  }
+// The first n_tri triangles, along minus Z.
+void CJointDepth::cast(CSight& eye, uint32_t n_tri, const T3DFRM& frm, CBitVector& hit,
+                       CBitVector& vis) {
+  eye.see_Along(-frm.z, Ways::kAhead, nullptr, n_tri, sight_->data);
+  hit.assign([&](uint64_t t) { return sight_->data[t] == 0; });
+  vis.assign([&](uint64_t t) { return (sight_->data[t] & kSeesAhead) != 0; });
 }
 
 void CJointDepth::print_Counts(uint32_t axis) const {
@@ -153,15 +162,13 @@ void CJointDepth::print_Counts(uint32_t axis) const {
 
 void CJointDepth::classify_Axes() {
   frame_.at(UNDERCUT_NO_MEMORY);
-  const bool sized =
-      alloc(*sight_, std::max(msh_.n_tri, sum_->n_tri)) && alloc(*number_, msh_.n_vtx);
-  frame_.need(sized, UNDERCUT_NO_MEMORY);
+  frame_.need(alloc(*sight_, std::max(msh_.n_tri, sum_->n_tri)), UNDERCUT_NO_MEMORY);
   for (uint32_t k = 0; k < axes_->count; ++k) {
     const T3DFRM frm = get_Frame(axes_->data[k]);
     TShadows& shadows = shadows_[k];
-    cast(msh_tree_, msh_, frm, shadows.own_hit, shadows.own_vis);
-    cast(sum_tree_, msh_, frm, shadows.add_hit, shadows.add_vis);
-    cast(sum_tree_, *sum_, frm, shadows.sum_hit, shadows.sum_vis);
+    cast(own_eye_, msh_.n_tri, frm, shadows.own_hit, shadows.own_vis);
+    cast(add_eye_, msh_.n_tri, frm, shadows.add_hit, shadows.add_vis);
+    cast(sum_eye_, sum_->n_tri, frm, shadows.sum_hit, shadows.sum_vis);
     if (par_.b_sta) print_Counts(k);
   }
 }
@@ -178,49 +185,51 @@ void CJointDepth::rate_Axes() {
   }
 }
 
-// The code of flood_Depth.
-int32_t CJointDepth::spread_Patch(const TLst<uint32_t>& patch, const T3DFRM& frm, CRim& rim,
-                                  double* rho) {
-  for (uint32_t i = 0; i < patch.count; ++i) waiting_.set(patch.data[i]);
-  const TFlood flood = {msh_, *tri_tri_, frm, par_.f_off, waiting_, queue_, rho};
-  return flood_Depth(flood, rim, patch);
+TFlood CJointDepth::get_Flood(const T3DFRM& frm, double* rho) {
+  return {msh_, *tri_tri_, frm, par_.f_off, waiting_, queue_, rho};
 }
 
 // One rim for all that the joined mesh hides of itself.
 void CJointDepth::flood_Added(const TShadows& shadows, const T3DFRM& frm) {
   Scoped<TArr<T3DSGM>> border;
-  frame_.need(bnd_Set(*sum_, *sum_vtx_tri_, shadows.sum_hit, *border) == 0, -31);
+  frame_.need(bnd_Adj(*sum_, *sum_tri_tri_, &shadows.sum_hit, *border) == 0, -31);
   if (border->count == 0) return;
   drop_Open(*border, sum_ends_);
   CRim rim;
   const int32_t built = rim.Build(*sum_, *border, frm);
   frame_.need(built == 0, -31 + built);
+  if (!floods_) {
+    measure_Set(msh_, frm, rim, shadows.add_hit, rho_add_->data);
+    return;
+  }
+  frame_.need(rim.build_Tree(), -34);
   Scoped<TLst<TLst<uint32_t>>> patches;
   frame_.need(cmp_Adj(msh_, *tri_tri_, shadows.add_hit, *patches), -35);
   for (uint32_t j = 0; j < patches->count; ++j) {
-    const int32_t flooded = spread_Patch(patches->data[j], frm, rim, rho_add_->data);
+    const TLst<uint32_t>& patch = patches->data[j];
+    for (uint32_t i = 0; i < patch.count; ++i) waiting_.set(patch.data[i]);
+    const int32_t flooded = flood_Depth(get_Flood(frm, rho_add_->data), rim, patch);
     frame_.need(flooded == 0, -35 + flooded);
   }
 }
 
 void CJointDepth::flood_Own(const TShadows& shadows, const T3DFRM& frm) {
-  Scoped<TLst<TLst<uint32_t>>> patches;
-  frame_.need(cmp_Adj(msh_, *tri_tri_, shadows.own_hit, *patches), -41);
-  for (uint32_t j = 0; j < patches->count; ++j) {
-    Scoped<TArr<T3DSGM>> border;
-    frame_.need(bnd_Lst(msh_, patches->data[j], number_->data, *border) == 0, -42);
-    if (border->count == 0) continue;
-    drop_Open(*border, msh_ends_);
-    CRim rim;
-    const int32_t built = rim.Build(msh_, *border, frm);
+  frame_.need(patches_.find(shadows.own_hit) && patches_.make_Rims(), -41);
+  frame_.need(patches_.list_Borders(shadows.own_hit), -42);
+  for (uint32_t j = 0; j < patches_.count(); ++j) {
+    const int32_t built = patches_.build_Rim(j, msh_ends_, frm);
     frame_.need(built == 0, -42 + built);
-    const int32_t flooded = spread_Patch(patches->data[j], frm, rim, rho_own_->data);
-    frame_.need(flooded == 0, -45 + flooded);
   }
+  if (!floods_) {
+    patches_.measure(frm, rho_own_->data);
+    return;
+  }
+  const int32_t flooded = patches_.measure_ByFlood(get_Flood(frm, rho_->data), rho_own_->data);
+  frame_.need(flooded == 0, -44 + flooded);
 }
 
 void CJointDepth::combine(const TShadows& shadows) {
-  for (uint32_t t = 0; t < msh_.n_tri; ++t) {
+  each_Index(msh_.n_tri, [&](uint32_t t) {
     const bool own = shadows.own_hit.test(t), add = shadows.add_hit.test(t);
     double& depth = dfi_->data[t];
     if (own && add)
@@ -231,7 +240,7 @@ void CJointDepth::combine(const TShadows& shadows) {
       depth = std::min(depth, rho_add_->data[t]);
     else if (shadows.own_vis.test(t) && shadows.add_vis.test(t))
       clear_.set(t);
-  }
+  });
 }
 
 double* CJointDepth::finish() {
@@ -264,6 +273,7 @@ int32_t get_dFb(const TUcReq* req, TUcRes* res) {
     CJointDepth field(frame, par, in);
     field.begin();
     field.join();
+    field.choose_Way();
     field.build_Trees();
     field.size_Sets();
     field.build_Adjacency();

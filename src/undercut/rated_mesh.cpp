@@ -7,7 +7,7 @@ namespace undercut {
 bool CRatedMsh::prepare(const T3DMSH& mesh) {
   clear();
   // The tree comes first because it finds vertex indices out of range.
-  if (!tree.Build(mesh)) return false;
+  if (!tree.Prepare(mesh)) return false;
   nml = new_Zeroed<T3DVEC>(mesh.n_tri);
   area = new_Zeroed<double>(mesh.n_tri);
   sight = new_Zeroed<uint8_t>(mesh.n_tri);
@@ -27,6 +27,7 @@ bool CRatedMsh::prepare(const T3DMSH& mesh) {
 
 void CRatedMsh::clear() {
   msh = {};
+  eye.clear();
   tree.Clear();
   free_Array(nml);
   free_Array(area);

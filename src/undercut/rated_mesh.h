@@ -19,6 +19,7 @@ class CRatedMsh {
 
   T3DMSH msh = {};
   C3DTriAABBTree tree;
+  CSight eye;  // for the evaluator to set
   // For each triangle; area and normal are zero where two corners are equal, by coordinates.
   T3DVEC* nml = nullptr;     // unit normals
   double* area = nullptr;    // mm2

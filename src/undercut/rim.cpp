@@ -1,5 +1,7 @@
 #include "undercut/rim.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "mesh/boundary.h"
@@ -22,9 +24,9 @@ bool make_Polyline(const T3DMSH& msh, const TArr<T3DSGM>& edges, T3DPOL& pol) {
 
 }  // namespace
 
-bool mark_Open(const T3DMSH& msh, const TAdj& vtx_tri, CBitVector& ends) {
+bool mark_Open(const T3DMSH& msh, const TAdj& tri_tri, CBitVector& ends) {
   Scoped<TArr<T3DSGM>> open;
-  if (bnd_All(msh, vtx_tri, *open) != 0) return false;
+  if (bnd_Adj(msh, tri_tri, nullptr, *open) != 0) return false;
   for (uint32_t i = 0; i < open->count; ++i) {
     ends.set(open->data[i].a);
     ends.set(open->data[i].b);
@@ -47,7 +49,31 @@ int32_t CRim::Build(const T3DMSH& msh, const TArr<T3DSGM>& edges, const T3DFRM& 
   if (!make_Polyline(msh, edges, *pol)) return -1;
   to_Local(frm, pol->pnt, pol->n_pnt);
   if (!flat_Pol(*pol, *flat_)) return -2;
-  return tree_.Build(*flat_) && alloc(*found_, flat_->n_sgm) ? 0 : -3;
+  return search_.Build(*flat_) ? 0 : -3;
+}
+
+double find_Extent(const T3DMSH& msh) {
+  double extent = 0.0;
+  for (uint32_t v = 0; v < msh.n_vtx; ++v) {
+    const T3DVEC& p = msh.vtx[v];
+    const double sum = std::fabs(p.x) + std::fabs(p.y) + std::fabs(p.z);
+    if (!(sum <= kAbsent)) return HUGE_VAL;
+    extent = std::max(extent, sum);
+  }
+  return extent;
+}
+
+// Let M bound all coordinates in the plane. A computed distance is off by less than 60 times 2^-53
+// M (segment_search.cpp says why), that between two places and the sum of both by less than 20
+// times. So the radius falls short of the true distance by less than 2e-14 M, and where squares
+// underflow by less than 1e-150 mm.
+bool is_Ample(double slack, double extent, const T3DFRM& frm) {
+  const auto largest = [](const T3DVEC& v) {
+    return std::max(std::fabs(v.x), std::max(std::fabs(v.y), std::fabs(v.z)));
+  };
+  const double axes = std::max(largest(frm.x), largest(frm.y));
+  const double most = 4.0 * (extent + largest(frm.org)) * axes;
+  return most < 1e140 && slack >= 1e-12 * most + 1e-150;
 }
 
 }  // namespace undercut

@@ -11,13 +11,16 @@ constexpr double kLift = 0.001;  // of a ray's start off the surface, in mm
 
 }  // namespace
 
-bool C3axUcErr::ini_Err(const T3DMSH& mesh) { return mesh_.prepare(mesh); }
+bool C3axUcErr::ini_Err(const T3DMSH& mesh) {
+  if (!mesh_.prepare(mesh)) return false;
+  mesh_.eye.ini_Sight(mesh_.tree, {mesh_.msh, kLift, mesh_.nml});
+  return true;
+}
 
 void C3axUcErr::clr_Err() { mesh_.clear(); }
 
 void C3axUcErr::see_Both(const T3DVEC& direction) {
-  see_Along(mesh_.tree, {mesh_.msh, kLift, mesh_.nml}, direction, Ways::kBoth, nullptr,
-            mesh_.msh.n_tri, mesh_.sight);
+  mesh_.eye.see_Along(direction, Ways::kBoth, nullptr, mesh_.msh.n_tri, mesh_.sight);
 }
 
 double C3axUcErr::Err(const double& theta, const double& phi) {

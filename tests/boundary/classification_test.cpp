@@ -212,6 +212,13 @@ TEST_F(UndercutClassification, GivesTheCodeOfEachStepThatHasNoMemory) {
   EXPECT_EQ(list_Codes(), (Codes{-13, -15, -16, UNDERCUT_NO_MEMORY, -18, 0}));
 }
 
+TEST_F(UndercutClassification, GivesTheSameCodes_WhereManyRaysAreAskedAtOnce) {
+  const std::vector<T3DTRI> few = r.tri;
+  while (r.tri.size() < 4000) r.tri.insert(r.tri.end(), few.begin(), few.end());
+  r.fill();
+  EXPECT_EQ(list_Codes(), (Codes{-5, -13, -17, UNDERCUT_NO_MEMORY, -18, 0}));
+}
+
 TEST_F(UndercutClassification, AllocatesNothingForAnAxis) {
   const auto count_Allocations = [&] {
     for (uint64_t n = 1;; ++n) {

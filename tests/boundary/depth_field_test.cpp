@@ -509,8 +509,10 @@ TEST_F(DepthField, TellsTheStepThatHadNoMemory) {
   r.fill_Roi({46, 47});
   r.curves = {
       {{1, 3, 0}, {2, 3, 0}, {3, 3, 0}, {3, 4, 0}, {3, 5, 0}, {2, 5, 0}, {1, 5, 0}, {1, 4, 0}}};
+  Codes slack = {};
   const auto expect_Codes = [&](const Codes& tree) {
-    Codes expected = {-5, -7, -8, -12, -13, -14, -15, -16, -17, -18, -19};
+    Codes expected = {-5, -7, -8, -12, -13, -14, -15, -16, -17};
+    expected.insert(expected.end(), slack.begin(), slack.end());
     expected.insert(expected.end(), tree.begin(), tree.end());
     for (const int32_t code : {-24, -25, -26, -1000, -27, -28, -29, -30, -31, -32, 0})
       expected.push_back(code);
@@ -520,6 +522,10 @@ TEST_F(DepthField, TellsTheStepThatHadNoMemory) {
   set(ucs_Eps, 1e-3);
   expect_Codes({-22, -23});
   set(ucs_Dil, 1e-3);
+  expect_Codes({-20, -21, -23});
+  // Where the slack is nothing, distances go from triangle to triangle.
+  set(ucs_Off, 0.0);
+  slack = {-18, -19};
   expect_Codes({-20, -21, -23});
 }
 

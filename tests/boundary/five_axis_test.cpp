@@ -309,11 +309,11 @@ TEST_F(FiveAxis, ChecksTheRegion_AlsoWhereCurvesTakeItsPlace) {
 
 TEST_F(FiveAxis, WithoutMemory_TellsTheStepThatNeededIt) {
   add_Sheet(r);
-  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-13, 0}));
+  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-13, -1000, 0}));
   r.set_Roi(kMiddle);
-  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-11, -12, 0}));
+  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-11, -12, -1000, 0}));
   r.set_Curves({list_Round(r)});
-  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-9, -11, -12, 0}));
+  EXPECT_EQ(list_Codes(r, get_5ax), (std::vector<int32_t>{-9, -11, -12, -1000, 0}));
 }
 
 TEST_F(FiveAxis, WritesNothingOfTheResultButItsFrame) {

@@ -137,7 +137,7 @@ TEST_F(SurfaceStatistics, GiveMinus11_ForAnAxisWhoseDirectionIsNotFinite) {
 }
 
 TEST_F(SurfaceStatistics, GiveTheCodeOfEachStepThatHasNoMemory) {
-  EXPECT_EQ(list_Codes(r, get_Sta), (Codes{-10, -12, -13, -14, 0}));
+  EXPECT_EQ(list_Codes(r, get_Sta), (Codes{-10, -12, -13, -14, -13, 0}));
 }
 
 // A ray through a tree as deep as this one needs memory of its own.

@@ -281,6 +281,24 @@ TEST(BitVector, Fill_GivesEveryRunOfASmallVector) {
   }
 }
 
+TEST(BitVector, Assign_GivesEachBitItsTest_AndClearsThoseBeyondTheSize) {
+  for (const uint64_t size : {1u, 7u, 8u, 35u, 5000u}) {
+    std::vector<bool> plain(size);
+    for (uint64_t i = 0; i < size; ++i) plain[i] = i % 3 == 0 || i % 7 == 2;
+    CBitVector bits;
+    bits.init(size);
+    bits.set_All();
+    bits.assign([&](uint64_t i) { return plain[i]; });
+    expect_Same(bits, plain);
+    if (size % 8 != 0) {
+      EXPECT_EQ(bits.data()[size / 8] & (0xFFu >> (size % 8)), 0);
+    }
+  }
+  CBitVector empty;
+  empty.assign([](uint64_t) { return true; });
+  EXPECT_FALSE(empty.is_Valid());
+}
+
 // Whether `call` succeeds with its first allocation failing.
 template <typename Call>
 bool try_WithoutMemory(Call call) {

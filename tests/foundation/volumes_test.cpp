@@ -3,12 +3,15 @@
 #include <cmath>
 
 #include "foundation/primitives.h"
+#include "tests/reference/plain_volumes.h"
 #include "tests/reference/random_geometry.h"
+#include "tests/support/intensity.h"
 
 namespace undercut {
 namespace {
 
 using reference::Random;
+using undercut::tests::scale_Cases;
 
 C3DAABB make_Box(const T3DVEC& p, const T3DVEC& q) {
   C3DAABB box;
@@ -104,6 +107,73 @@ TEST(Cylinder, ReachesEveryBoxAndTriangleWithAPointInside) {
   EXPECT_GT(boxes, 1000);
   EXPECT_GT(triangles, 1000);
   EXPECT_GT(whole, 100);
+}
+
+// A number a few units in the last place off another, or the same.
+double nudge(Random& random, double v) {
+  for (uint64_t k = random.below(4); k > 0; --k)
+    v = std::nextafter(v, random.chance(0.5) ? kAbsent : -kAbsent);
+  return v;
+}
+
+// Boxes of all sizes, thin and flat ones among them, on a lattice or anywhere.
+C3DAABB make_HostileBox(Random& random, double scale, bool lattice) {
+  T3DVEC p = scale * random.triple(-5, 5);
+  T3DVEC size = scale * std::pow(10.0, random.real(-4, 0.5)) * random.triple(0, 1);
+  if (random.chance(0.2)) size.x = 0.0;
+  if (random.chance(0.2)) size.z *= std::pow(10.0, random.real(-8, 0));
+  if (lattice) {
+    p = {std::round(p.x), std::round(p.y), std::round(p.z)};
+    size = {std::round(size.x), std::round(size.y) + 1, std::round(size.z) + 1};
+  }
+  return make_Box(p, p + size);
+}
+
+// An axis in general position, along the lattice, in the plane of a face or next to it, through a
+// corner or past it at about the radius.
+T3DCYL make_HostileCylinder(Random& random, const C3DAABB& box, double scale, bool lattice) {
+  T3DVEC z = random.triple(-1, 1), org = scale * random.triple(-9, 9);
+  if (lattice) org = {std::round(org.x), std::round(org.y), std::round(org.z)};
+  if (random.chance(0.3)) z.x = random.chance(0.5) ? 0.0 : random.real(-1e-14, 1e-14);
+  if (random.chance(0.2)) z.y = 0.0;
+  if (random.chance(0.3)) org.x = nudge(random, random.chance(0.5) ? box.min.x : box.max.x);
+  if (random.chance(0.2)) org.y = nudge(random, box.max.y);
+  if (random.chance(0.2)) org.z = nudge(random, box.min.z);
+  z = unit(z);
+  const double half = 0.5 * len(box.size());
+  double radius = scale * std::pow(10.0, random.real(-6, 1));
+  if (random.chance(0.3)) {
+    // As far from the middle of the box as its corners and the radius reach.
+    const T3DVEC side = unit(cross(z, random.triple(-1, 1)));
+    const double gap = random.chance(0.5) ? 0.0 : random.real(-1e-5, 1e-5);
+    org = box.centre() + scale * random.real(-20, 20) * z + (half + radius + gap * scale) * side;
+  }
+  if (random.chance(0.02)) z = 2.0 * z;
+  if (random.chance(0.02)) z = {0, 0, 0};
+  if (random.chance(0.02)) radius = random.special();
+  if (random.chance(0.02)) org.y = random.special();
+  return {{{1, 0, 0}, {0, 1, 0}, z, org}, radius};
+}
+
+TEST(Cylinder, TellsBoxesThatLieFarOff_AsByAllItsTests) {
+  uint32_t hit = 0, missed = 0;
+  for (uint32_t seed = 0; seed < scale_Cases(200); ++seed) {
+    SCOPED_TRACE(testing::Message() << "seed " << seed);
+    Random random(seed);
+    const double scale = seed % 4 ? 1.0 : std::pow(10.0, random.real(-7, 9));
+    for (int k = 0; k < 1000; ++k) {
+      const bool lattice = random.chance(0.4);
+      C3DAABB box = make_HostileBox(random, scale, lattice);
+      if (random.chance(0.01)) box.max.y = random.special();
+      if (random.chance(0.01)) box.reset();
+      const T3DCYL cylinder = make_HostileCylinder(random, box, scale, lattice);
+      const bool expected = reference::hit_CylBox(cylinder, box);
+      ASSERT_EQ(hit_CylBox(cylinder, box), expected) << "case " << k;
+      ++(expected ? hit : missed);
+    }
+  }
+  EXPECT_GT(hit, 20000u);
+  EXPECT_GT(missed, 20000u);
 }
 
 // ---- Slab --------------------------------------------------------------------------------------

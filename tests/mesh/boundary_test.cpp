@@ -29,6 +29,23 @@ Edges list_Set(TSoup soup, const std::vector<bool>& set) {
   return copy_Of(*edges);
 }
 
+// By the table of neighbours.
+Edges list_Adj(TSoup soup, const std::vector<bool>& set) {
+  Scoped<TAdj> tri_tri;
+  Scoped<TArr<T3DSGM>> edges;
+  EXPECT_EQ(adj_TriTri(soup.msh(), *tri_tri), 0);
+  const CBitVector bits = to_Bits(set);
+  EXPECT_EQ(bnd_Adj(soup.msh(), *tri_tri, &bits, *edges), 0);
+  return copy_Of(*edges);
+}
+Edges list_AllAdj(TSoup soup) {
+  Scoped<TAdj> tri_tri;
+  Scoped<TArr<T3DSGM>> edges;
+  EXPECT_EQ(adj_TriTri(soup.msh(), *tri_tri), 0);
+  EXPECT_EQ(bnd_Adj(soup.msh(), *tri_tri, nullptr, *edges), 0);
+  return copy_Of(*edges);
+}
+
 // By the list of the same triangles, in an order that hangs on `step`.
 Edges list_Lst(TSoup soup, const std::vector<bool>& set, uint32_t step) {
   std::vector<uint32_t> lst, number(soup.vtx.size());
@@ -145,6 +162,7 @@ TEST(BoundaryCodes, WithoutTriangleArray_AreMinusOne) {
   TArr<T3DSGM> edges;
   EXPECT_EQ(bnd_All(msh, TAdj{}, edges), -1);
   EXPECT_EQ(bnd_Set(msh, TAdj{}, CBitVector{}, edges), -1);
+  EXPECT_EQ(bnd_Adj(msh, TAdj{}, nullptr, edges), -1);
   EXPECT_EQ(bnd_Own(msh, CBitVector{}, edges), -1);
   EXPECT_EQ(bnd_Out(msh, TAdj{}, CBitVector{}, {}, edges), -1);
   EXPECT_EQ(edges.data, nullptr);
@@ -156,6 +174,7 @@ TEST(BoundaryCodes, WithoutTriangles_AreMinusTwo) {
   TArr<T3DSGM> edges;
   EXPECT_EQ(bnd_All(msh, TAdj{}, edges), -2);
   EXPECT_EQ(bnd_Set(msh, TAdj{}, CBitVector{}, edges), -2);
+  EXPECT_EQ(bnd_Adj(msh, TAdj{}, nullptr, edges), -2);
   EXPECT_EQ(bnd_Own(msh, CBitVector{}, edges), -2);
   EXPECT_EQ(bnd_Out(msh, TAdj{}, CBitVector{}, {}, edges), -2);
 }
@@ -165,6 +184,7 @@ TEST(BoundaryCodes, WithoutTable_AreMinusThree) {
   TArr<T3DSGM> edges;
   EXPECT_EQ(bnd_All(soup.msh(), TAdj{}, edges), -3);
   EXPECT_EQ(bnd_Set(soup.msh(), TAdj{}, CBitVector{}, edges), -3);
+  EXPECT_EQ(bnd_Adj(soup.msh(), TAdj{}, nullptr, edges), -3);
   EXPECT_EQ(bnd_Out(soup.msh(), TAdj{}, CBitVector{}, {}, edges), -3);
 }
 
@@ -199,12 +219,14 @@ TEST(BoundaryCodes, WithoutMemory_AreMinusThreeForTheOwnTableAndMinusFour) {
   using Codes = std::vector<int32_t>;
   const auto run_All = [&](auto& edges) { return bnd_All(soup.msh(), *vtx_tri, edges); };
   const auto run_Set = [&](auto& edges) { return bnd_Set(soup.msh(), *vtx_tri, all, edges); };
+  const auto run_Adj = [&](auto& edges) { return bnd_Adj(soup.msh(), *tri_tri, &all, edges); };
   const auto run_Own = [&](auto& edges) { return bnd_Own(soup.msh(), all, edges); };
   const auto run_Out = [&](auto& edges) {
     return bnd_Out(soup.msh(), *tri_tri, first, view_Lst(lst), edges);
   };
   EXPECT_EQ(list_Codes(run_All), (Codes{-4, 0}));
   EXPECT_EQ(list_Codes(run_Set), (Codes{-4, 0}));
+  EXPECT_EQ(list_Codes(run_Adj), (Codes{-4, 0}));
   EXPECT_EQ(list_Codes(run_Own), (Codes{-3, -4, 0}));
   EXPECT_EQ(list_Codes(run_Out), (Codes{-4, 0}));
 }
@@ -219,6 +241,8 @@ TEST(BoundaryProperties, AgreeWithCountsByEdgeOnRandomSoups) {
     for (size_t t = 0; t < sound.size(); ++t) sound[t] = set[t] && !is_Flat(soup.tri[t]);
     ASSERT_EQ(list_All(soup), plain::list_Boundary(soup.tri, all_Of(soup)));
     ASSERT_EQ(list_Set(soup, set), plain::list_Boundary(soup.tri, set));
+    ASSERT_EQ(list_AllAdj(soup), plain::list_Boundary(soup.tri, all_Of(soup)));
+    ASSERT_EQ(list_Adj(soup, set), plain::list_Boundary(soup.tri, set));
     ASSERT_EQ(list_Own(soup, set), plain::list_Boundary(soup.tri, sound));
   }
 }

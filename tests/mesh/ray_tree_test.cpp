@@ -16,25 +16,24 @@ using undercut::tests::scale_Cases;
 
 namespace {
 
-// The tree of rays over a mesh, and the box tree that it was made from.
+// The tree of rays over a mesh, which both forms of its walk are asked.
 struct Built {
-  explicit Built(Mesh mesh) : mesh_(std::move(mesh)) {
-    const std::vector<C3DAABB> boxes = shapes::triangle_Boxes(mesh_);
-    for (uint32_t t = 0; t < boxes.size(); ++t) boxes_.items.push_back({t, boxes[t]});
-    boxes_.build();
-    rays.build(boxes_, mesh_.view());
+  explicit Built(Mesh mesh) : mesh_(std::move(mesh)), boxes_(shapes::triangle_Boxes(mesh_)) {
+    rays.build(mesh_.view());
   }
-  bool any_Hit(const T3DRAY& ray) { return rays.any_Hit(ray, mesh_.view()); }
+  bool any_Hit(const T3DRAY& ray) {
+    const bool hit = rays.any_Hit(ray, mesh_.view());
+    EXPECT_EQ(rays.any_HitPortable(ray, mesh_.view()), hit);
+    return hit;
+  }
   bool any_InLoop(const T3DRAY& ray) { return reference::any_Hit(mesh_.view(), ray); }
-  const C3DAABB& pick_Box(Random& random) const {
-    return boxes_.items[random.below(boxes_.items.size())].box;
-  }
+  const C3DAABB& pick_Box(Random& random) const { return boxes_[random.below(boxes_.size())]; }
 
   TRayTree rays;
 
  private:
   Mesh mesh_;
-  TBoxTree<C3DAABB> boxes_;
+  std::vector<C3DAABB> boxes_;
 };
 
 Mesh make_One(double size) {
@@ -48,7 +47,7 @@ const T3DRAY kDown = {{0.2, 0.2, 1}, {0, 0, -1}};
 TEST(RayTree, TakesNoRay_BeforeItIsBuilt) {
   TRayTree rays;
   EXPECT_FALSE(rays.takes(kDown));
-  rays.build({}, {});
+  rays.build({});
   EXPECT_FALSE(rays.takes(kDown));
 }
 
@@ -192,6 +191,88 @@ TEST(RayTree, EqualsTheLoop_WhereACoordinateOfATriangleIsNoNumber) {
   EXPECT_LT(hits, rays - rays / 10);
 }
 
+// Small triangles in a heap, far from the origin or near it, some next to flat; or so small beside
+// one large triangle that products of their edges are next to nothing.
+Mesh make_Heap(Random& random, uint32_t count, double scale) {
+  Mesh mesh;
+  const bool is_Tiny = random.chance(0.2);
+  const double away = is_Tiny ? 0.0 : scale * std::pow(10.0, random.real(-3, 7));
+  const T3DVEC middle = away * random.triple(-1, 1);
+  const double size = scale * std::pow(10.0, is_Tiny ? random.real(-25, -5) : random.real(-5, 0));
+  if (is_Tiny) mesh.add({scale, 0, 0}, {scale, scale, 0}, {scale, 0, scale});
+  for (uint32_t t = 0; t < count; ++t) {
+    const T3DVEC a = middle + (is_Tiny ? 4 * size : scale) * random.triple(-1, 1);
+    const T3DVEC b = a + size * random.triple(-1, 1);
+    const double width = random.chance(0.3) ? std::pow(10.0, random.real(-18, 0)) : 1.0;
+    mesh.add(a, b, a + random.real(-1, 2) * (b - a) + (size * width) * random.triple(-1, 1));
+  }
+  return mesh;
+}
+
+// At a point of an edge, or of its line, moved off it by any small part of its length; from close
+// by or far away, ahead or behind; or along the plane of the triangle.
+T3DRAY aim_AtEdge(Random& random, const T3DFAC& f, double scale) {
+  const T3DVEC along = f.b - f.a, across = f.c - f.a;
+  T3DVEC at = f.a + random.real(-0.2, 1.2) * along;
+  if (random.chance(0.2)) at = random.chance(0.5) ? f.b : f.a;
+  if (random.chance(0.7)) at += (std::pow(2.0, random.real(-56, -1)) * random.real(-1, 1)) * across;
+  T3DVEC dir = random.triple(-1, 1);
+  if (random.chance(0.1)) dir = random.real(-1, 1) * along + random.real(-1, 1) * across;
+  if (random.chance(0.2))  // next to that plane
+    dir = random.real(-1, 1) * along + random.real(-1, 1) * across +
+          (dst(f.a, f.b) * std::pow(2.0, random.real(-40, 0))) * random.triple(-1, 1);
+  if (random.chance(0.2)) dir = std::pow(10.0, random.real(-14, 3)) * dir;
+  const double away =
+      (random.chance(0.3) ? dst(f.a, f.b) : scale * std::pow(10.0, random.real(-12, 6)));
+  const T3DVEC org = at - (random.chance(0.8) ? away : -away) * unit(dir);
+  return {org, dir};
+}
+
+// Here single precision decides, or should leave it alone.
+TEST(RayTree, EqualsTheLoop_ForRaysThatPassEdgesAndCorners) {
+  Random random(17);
+  SCOPED_TRACE("seed 17");
+  uint32_t hits = 0, rays = 0;
+  for (uint32_t round = 0; round < scale_Cases(1000); ++round) {
+    const double scale = round % 2 ? 1.0 : std::pow(10.0, random.real(-20, 10));
+    Mesh mesh = make_Heap(random, 1 + static_cast<uint32_t>(random.below(20)), scale);
+    Built built(mesh);
+    for (int k = 0; k < 300; ++k) {
+      const auto t = static_cast<uint32_t>(random.below(mesh.triangles.size()));
+      const T3DRAY ray = aim_AtEdge(random, get_Fac(mesh.view(), t), scale);
+      if (!built.rays.takes(ray)) continue;
+      const bool hit = built.any_InLoop(ray);
+      hits += hit ? 1 : 0;
+      ++rays;
+      ASSERT_EQ(built.any_Hit(ray), hit)
+          << std::hexfloat << "org " << ray.org.x << " " << ray.org.y << " " << ray.org.z << " dir "
+          << ray.dir.x << " " << ray.dir.y << " " << ray.dir.z;
+    }
+  }
+  EXPECT_GT(rays, 200000u);
+  EXPECT_GT(hits, rays / 10);
+  EXPECT_LT(hits, rays - rays / 10);
+}
+
+// Each part of it cuts off next to nothing: its triangles halve in size and place, many times over,
+// with heaps of equal triangles, and of different ones with one centre, in between.
+TEST(RayTree, EqualsTheLoop_OnAMeshThatNoPlacePartsEvenly) {
+  Random random(18);
+  SCOPED_TRACE("seed 18");
+  Mesh mesh;
+  for (int k = 0; k < 90; ++k) {
+    const double s = std::pow(2.0, -k);
+    for (int copy = 0; copy < 40; ++copy) mesh.add({s, 0, 0}, {s, s, 0}, {s, 0, s});
+    for (int shell = 1; shell < 30; ++shell)
+      mesh.add({s - 0.01 * s * shell, 0, s}, {s + 0.01 * s * shell, 0, s}, {s, 0, s});
+  }
+  Built built(mesh);
+  uint32_t hits = 0, rays = 0;
+  ASSERT_NO_FATAL_FAILURE(compare_Rays(random, built, 1.0, hits, rays));
+  EXPECT_GT(hits, rays / 10);
+  EXPECT_LT(hits, rays - rays / 10);
+}
+
 // In the mesh as in the ray: a zero with a sign is a zero.
 TEST(RayTree, AnswersAlikeForZerosOfBothSigns) {
   Mesh mesh;
@@ -217,7 +298,10 @@ TEST(Lanes, ComputeEachLaneOnItsOwn) {
   expect_Lanes(greater(x, y), {4, -2, 3, 4.5f});
   expect_Lanes(lesser(x, y), {1, -5, 3, 0.5f});
   expect_Lanes(fill_Lanes(7), {7, 7, 7, 7});
-  EXPECT_EQ(not_Above(x, y), 1u | 4u);
+  expect_Lanes(x + y, {5, -7, 6, 5});
+  expect_Lanes(flip(x, sign_Of(y)), {1, 2, 3, 4.5f});
+  EXPECT_EQ(above(x, y), 2u | 8u);
+  EXPECT_EQ(negative(x), 2u);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <new>
+#include <thread>
 
 #include "mesh/trees.h"
 #include "tests/mesh/tree_shapes.h"
@@ -122,6 +124,101 @@ TEST(TriangleTree, Build_FailsAndLeavesItEmpty_WhereverMemoryRunsOut) {
       return tree.nodes().empty() && tree.items().empty() ? 0 : -1;
     });
     EXPECT_EQ(codes, (std::vector<int32_t>{0, 1}));
+  }
+}
+
+TEST(TriangleTree, Prepare_RefusesWhatBuildRefuses) {
+  Mesh mesh = make_Row(3);
+  C3DTriAABBTree tree;
+  EXPECT_FALSE(tree.Prepare({}));
+  mesh.triangles[2].b = 9;
+  EXPECT_FALSE(tree.Prepare(mesh.view()));
+  EXPECT_EQ(tree.mesh().vtx, nullptr);
+  EXPECT_TRUE(tree.nodes().empty());
+  EXPECT_FALSE(tree.AnyHit({{-1, 0.2, 0.2}, {1, 0, 0}}));
+  mesh.triangles[2].b = 8;
+  EXPECT_TRUE(tree.Prepare(mesh.view()));
+}
+
+TEST(TriangleTree, AnswersLikeABuiltOne_WhenOnlyPrepared) {
+  Random random(19);
+  for (Mesh& mesh : shapes::all_Meshes(random, 300)) {
+    C3DTriAABBTree built, prepared;
+    ASSERT_TRUE(built.Build(mesh.view()));
+    ASSERT_TRUE(prepared.Prepare(mesh.view()));
+    const T3DRAY ray = {random.triple(-1, 1), random.triple(-1, 1)};
+    EXPECT_EQ(prepared.AnyHit(ray), built.AnyHit(ray));
+    EXPECT_EQ(on_Line(prepared, ray), on_Line(built, ray));
+    EXPECT_EQ(item_Order(prepared), item_Order(built));
+    EXPECT_EQ(prepared.nodes().size(), built.nodes().size());
+  }
+}
+
+TEST(TriangleTree, TellsWhetherATriangleIsExcluded) {
+  Mesh mesh = make_Row(3);
+  C3DTriAABBTree tree;
+  ASSERT_TRUE(tree.Prepare(mesh.view()));
+  EXPECT_FALSE(tree.has_Excluded());
+  tree.Exclude(1);
+  EXPECT_TRUE(tree.has_Excluded());
+  tree.Clear();
+  EXPECT_FALSE(tree.has_Excluded());
+}
+
+// With each query first in its turn.
+TEST(TriangleTree, QueriesThrow_WithoutMemoryForATree_AndTheNextOneMakesIt) {
+  Random random(20);
+  Mesh mesh = shapes::make_Soup(random, 200);
+  const T3DRAY ray = {{20, 0.5, 0.25}, {-1, 0, 0}};
+  C3DTriAABBTree built;
+  ASSERT_TRUE(built.Build(mesh.view()));
+  const bool hit = built.AnyHit(ray);
+  const std::vector<uint32_t> line = on_Line(built, ray);
+  for (uint64_t n = 1, threw = 1; threw > 0; ++n) {
+    C3DTriAABBTree tree;
+    ASSERT_TRUE(tree.Prepare(mesh.view()));
+    const auto throws = [&](auto query) -> uint64_t {
+      const tests::FailingAllocation failing(n);
+      try {
+        query();
+      } catch (const std::bad_alloc&) {
+        return 1;
+      }
+      EXPECT_FALSE(failing.has_Failed());
+      return 0;
+    };
+    threw = throws([&] { tree.AnyHit(ray); }) + throws([&] { tree.nodes(); });
+    EXPECT_EQ(tree.AnyHit(ray), hit);
+    EXPECT_EQ(on_Line(tree, ray), line);
+    EXPECT_EQ(item_Order(tree), item_Order(built));
+    ASSERT_LT(n, 1000u);
+    if (n < 3) {
+      EXPECT_EQ(threw, 2u);
+    }
+  }
+}
+
+// By threads of its own, so that the thread sanitizer sees them start and end.
+TEST(TriangleTree, MakesItsTreesOnce_ForThreadsThatAskAtOnce) {
+  Random random(21);
+  Mesh mesh = shapes::make_Soup(random, 2000);
+  std::vector<T3DRAY> rays;
+  for (int k = 0; k < 200; ++k) rays.push_back({random.triple(-20, 20), random.triple(-1, 1)});
+  C3DTriAABBTree built;
+  ASSERT_TRUE(built.Build(mesh.view()));
+  for (int round = 0; round < 20; ++round) {
+    C3DTriAABBTree tree;
+    ASSERT_TRUE(tree.Prepare(mesh.view()));
+    std::vector<uint32_t> wrong(4);
+    std::vector<std::thread> threads;
+    for (uint32_t i = 0; i < wrong.size(); ++i)
+      threads.emplace_back([&, i] {
+        if (i % 2) wrong[i] += tree.nodes().size() != built.nodes().size();
+        for (const T3DRAY& ray : rays) wrong[i] += tree.AnyHit(ray) != built.AnyHit(ray);
+        wrong[i] += on_Line(tree, rays[i]) != on_Line(built, rays[i]);
+      });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, std::vector<uint32_t>(4));
   }
 }
 

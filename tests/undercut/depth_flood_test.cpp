@@ -37,6 +37,7 @@ class DepthFlood : public testing::Test {
   int32_t flood(std::vector<uint32_t> set, std::vector<uint32_t> list) {
     CRim rim;
     EXPECT_EQ(rim.Build(soup.msh(), *border, frm), 0);
+    EXPECT_TRUE(rim.build_Tree());
     waiting.from_Lst(view_Lst(set), soup.tri.size());
     return flood_Depth({soup.msh(), *tri_tri, frm, slack, waiting, queue, rho.data()}, rim,
                        view_Lst(list));
@@ -155,6 +156,7 @@ TEST_F(DepthFlood, AllocatesNothing) {
   set_Sheet(make_Grid(20, 20));
   CRim rim;
   ASSERT_EQ(rim.Build(soup.msh(), *border, frm), 0);
+  ASSERT_TRUE(rim.build_Tree());
   std::vector<uint32_t> all = list_All(soup);
   waiting.from_Lst(view_Lst(all), soup.tri.size());
   const FailingAllocation failing(1);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 #include "mesh/boundary.h"
@@ -49,7 +50,7 @@ TEST(OpenEdges, ThatAreLastInTheEnd_AreNeverTested) {
 TEST(OpenEdges, AreMarkedAtBothEnds) {
   TSoup soup = make_Grid(2, 2);
   Scoped<TAdj> adj;
-  ASSERT_EQ(adj_VtxTri(soup.msh(), *adj), 0);
+  ASSERT_EQ(adj_TriTri(soup.msh(), *adj), 0);
   CBitVector ends;
   ends.init(soup.vtx.size());
   EXPECT_TRUE(mark_Open(soup.msh(), *adj, ends));
@@ -60,7 +61,7 @@ TEST(OpenEdges, AreMarkedAtBothEnds_WhereTrianglesAreNotTurnedAlike) {
   // Vertex 1 begins no open edge.
   TSoup soup = make_Soup(4, {{0, 1, 2}, {1, 2, 3}});
   Scoped<TAdj> adj;
-  ASSERT_EQ(adj_VtxTri(soup.msh(), *adj), 0);
+  ASSERT_EQ(adj_TriTri(soup.msh(), *adj), 0);
   CBitVector ends;
   ends.init(4);
   EXPECT_TRUE(mark_Open(soup.msh(), *adj, ends));
@@ -70,7 +71,7 @@ TEST(OpenEdges, AreMarkedAtBothEnds_WhereTrianglesAreNotTurnedAlike) {
 TEST(OpenEdges, WithoutMemory_AreNotMarked) {
   TSoup soup = make_Grid(2, 2);
   Scoped<TAdj> adj;
-  ASSERT_EQ(adj_VtxTri(soup.msh(), *adj), 0);
+  ASSERT_EQ(adj_TriTri(soup.msh(), *adj), 0);
   CBitVector ends;
   ends.init(soup.vtx.size());
   EXPECT_EQ(list_FailureCodes([&] { return mark_Open(soup.msh(), *adj, ends); }),
@@ -110,6 +111,7 @@ TEST(Rim, WithinACircle_IsAsNearAsAllOfIt) {
   TSquare square;
   CRim rim;
   ASSERT_EQ(square.build(rim), 0);
+  ASSERT_TRUE(rim.build_Tree());
   EXPECT_EQ(rim.ask_Near({{5, 4}, 4.0}), 4.0);
   EXPECT_EQ(rim.ask_Near({{5, 4}, 100.0}), 4.0);
   EXPECT_EQ(rim.ask_Near({{5, 4}, kAbsent}), 4.0);
@@ -119,15 +121,28 @@ TEST(Rim, OutsideTheCircle_HasNoDistance) {
   TSquare square;
   CRim rim;
   ASSERT_EQ(square.build(rim), 0);
+  ASSERT_TRUE(rim.build_Tree());
   EXPECT_EQ(rim.ask_Near({{5, 4}, 3.99}), kAbsent);
   EXPECT_EQ(rim.ask_Near({{5, 4}, -1.0}), kAbsent);
+}
+
+TEST(Rim, IsMeasuredAsByAWalk) {
+  TSquare square;
+  CRim rim;
+  ASSERT_EQ(square.build(rim), 0);
+  uint32_t near = 0;
+  for (double x = -20; x < 30; x += 0.7)
+    for (double y = -20; y < 30; y += 0.7)
+      ASSERT_EQ(rim.measure({x, y}, near), rim.walk_All({x, y})) << x << " " << y;
 }
 
 TEST(Rim, WithoutEdges_HasNoPolyline) {
   TSquare square;
   square.sgm.clear();
   CRim rim;
+  EXPECT_TRUE(rim.is_Empty());
   EXPECT_EQ(square.build(rim), -1);
+  EXPECT_TRUE(rim.is_Empty());
 }
 
 TEST(Rim, TellsTheStepThatHadNoMemory) {
@@ -137,6 +152,44 @@ TEST(Rim, TellsTheStepThatHadNoMemory) {
     return square.build(rim);
   });
   EXPECT_EQ(codes, (std::vector<int32_t>{-1, -2, -3, 0}));
+}
+
+TEST(Rim, WithoutMemoryForItsTree_HasNone) {
+  TSquare square;
+  const auto codes = list_FailureCodes([&] {
+    CRim rim;
+    const int32_t built = square.build(rim);
+    return built != 0 ? built : rim.build_Tree() ? 0 : -4;
+  });
+  EXPECT_EQ(codes, (std::vector<int32_t>{-1, -2, -3, -4, 0}));
+}
+
+TEST(Slack, IsAmple_FromMoreThanWhatRoundingTakes) {
+  EXPECT_TRUE(is_Ample(0.05, 1000, kIdentity));
+  EXPECT_TRUE(is_Ample(1e-8, 1000, kIdentity));
+  EXPECT_FALSE(is_Ample(1e-10, 1000, kIdentity));
+  EXPECT_FALSE(is_Ample(0.0, 1000, kIdentity));
+  EXPECT_FALSE(is_Ample(0.0, 0.0, kIdentity));
+  EXPECT_FALSE(is_Ample(-1.0, 1000, kIdentity));
+  EXPECT_TRUE(is_Ample(HUGE_VAL, 1000, kIdentity));
+  EXPECT_FALSE(is_Ample(1e-8, 1.0, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 1e5, 0}}));
+}
+
+TEST(Slack, IsAmpleOnNoMesh_WithCoordinatesThatAreHugeOrNoNumbers) {
+  EXPECT_FALSE(is_Ample(HUGE_VAL, 1e150, kIdentity));
+  EXPECT_FALSE(is_Ample(HUGE_VAL, HUGE_VAL, kIdentity));
+  EXPECT_FALSE(is_Ample(std::nan(""), 1.0, kIdentity));
+}
+
+TEST(Extent, IsNotBelowAnyCoordinate) {
+  TSoup soup = make_Grid(2, 2);
+  soup.vtx[4] = {1, -77, 3};
+  EXPECT_GE(find_Extent(soup.msh()), 77.0);
+  EXPECT_LE(find_Extent(soup.msh()), 81.0);
+  soup.vtx[2].z = std::nan("");
+  EXPECT_EQ(find_Extent(soup.msh()), HUGE_VAL);
+  soup.vtx[2].z = -HUGE_VAL;
+  EXPECT_EQ(find_Extent(soup.msh()), HUGE_VAL);
 }
 
 TEST(Rim, CostsWhatItsEdgesCost_AndNotWhatTheMeshCosts) {

@@ -103,7 +103,6 @@ TEST(TestMesh, TellsWhichStepHadNoMemory_AndIsEmptyThen) {
       CTestMesh test;
       const TestMesh made = test.Build(msh, dilation);
       EXPECT_EQ(test.mesh().n_tri, made == TestMesh::kReady ? msh.n_tri : 0u);
-      EXPECT_EQ(test.tree().items().empty(), made != TestMesh::kReady);
       return static_cast<int32_t>(made);
     });
   };

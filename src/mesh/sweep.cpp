@@ -1,0 +1,436 @@
+// Why the answers are those of hit_Tri and hit_Box; docs/performance.md has each step at length.
+//
+// All is measured in the coordinates of TAcross, with the mesh within 1 and rays within 1.1 of 0;
+// u = 2^-24. Of a triangle, m is the largest part of the edges ab and ca in x and y, M the same
+// with z, n the normal ca x ab, S = n.z twice its area across the direction. A ray starts at
+// P = a + q, no farther than g from a in x and in y. e is the side of P of an edge: twice the area
+// of the two across the direction. In exact arithmetic hit_Tri takes the signs of n q and of three
+// e: it misses if some e has the sign of n q. Against the direction n q changes its sign.
+//
+// - Rounding to single precision moves a vertex by u / 2, a ray by u. So edges err by u (1 + M) in
+//   each part, q by u (1.5 + g), the sides of ab and ca by u (2 g + 3 m + 8 m g), that of bc, which
+//   is S less the two, by u (10 m + 12 m^2 + 4 g + 22 m g); 8 u (2 m + g) (1 + 4 m) is more.
+// - A component of n errs by c = 4 u M (1 + 2 M), and by S / 2 at most if the triangle isn't thin.
+//   n q errs by c (2 g + |q.z|) + 1.5 u |n| + 5 u (g A + |n q|) with A = |n.x| + |n.y|. For thin
+//   ones |q.z| is 2.1 at most. For others |q.z| is (|n q| + g A) / |S| at most, and solving for n q
+//   gives the bound g (A + 2 |S|) c / (|S| - c) + 3 u |n| + 9 u g A.
+// - hit_Tri itself errs by 2^-45 and 2^-33 of the longest edge for e, since (org + dir) - org isn't
+//   dir, and by 2^-47 M^2 for n q. Added to the above that makes `edge` and `side`: beyond them the
+//   signs are those that hit_Tri finds.
+//
+// A ray is called missed where n q and some e are beyond `side` and `edge` with one sign; or,
+// whatever n q is, where two e are beyond `clear`, twice `edge` and more, with both signs. Then
+// hit_Tri misses unless it finds P in the plane of the triangle. It turns to hit_TriFlat in that
+// case, whose turns are taken of whole coordinates: they err by 2^-49 K^2, with K how far from 0
+// those are. P lies outside by more than 2^-25 M + 2^-49 K^2 in that projection too, so hit_TriFlat
+// finds it outside, and it finds org + dir off the plane, since n dir is S: a miss.
+//
+// It is called hit where n q is beyond `side`, and all e are beyond `clear`, on the side that hits.
+// So does hit_Tri. hit_Box of the triangle's own box passes as well: the ray crosses the triangle
+// inside, 2^-22 of the way from each edge to the corner across. At least two extents of the box
+// are 2^-24 and more, so the ray leaves each slab at least 2^-46 after it enters any other, while
+// the quotients of hit_Box err by 2^-51 of themselves.
+//
+// A ray isn't held against a triangle at all
+// - where P lies outside of its rectangle, widened by m / 8 and by 2^-19 at least. Then some e is
+//   -S / 29 at most and another S / 3 at least, for positive S: clear of the errors of hit_Tri, and
+//   in the projection of hit_TriFlat by more than 2^-49 K^2. So it misses.
+// - where P lies outside of the shadow of its own box, if it is thin, or the ray runs away from
+//   that box, which reaches no farther from a than 2.5 M. Then hit_Box fails.
+// Thin triangles are those with S below 2^-19 M + `least`; `least`, 2^-30 or 2^-42 K^2, is what
+// hit_TriFlat needs. The coordinates of a mesh may not be so large that most triangles would be.
+#include "mesh/sweep.h"
+
+#include <omp.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <utility>
+
+#include "foundation/parallel.h"
+#include "mesh/sweep_bounds.h"
+
+namespace undercut {
+
+namespace {
+
+constexpr double kPerTile = 64.0;         // triangles, on average
+constexpr double kPerRow = 16.0;          // triangles in a tile of a row, at least
+constexpr uint32_t kMostParts = 16;       // binned beside one another
+constexpr uint32_t kPerPart = 4096;       // triangles and rays, at least
+constexpr uint32_t kMostEntries = 32;     // tiles of a triangle, on average
+constexpr uint32_t kChunk = 32;           // triangles sifted at a time
+constexpr uint32_t kBlock = 16;           // tiles
+constexpr uint32_t kFewParts = 2;         // of so much work that even two pay for threads
+constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
+constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likewise
+
+bool is_Finite(const T3DVEC& v) {
+  return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
+
+// Axes across a direction, to the right-hand side of one another, and as long as told.
+void set_Axes(const T3DVEC& direction, double length, TAcross& across) {
+  const T3DVEC z = unit(direction);
+  const T3DVEC size = {std::fabs(z.x), std::fabs(z.y), std::fabs(z.z)};
+  const bool x_least = size.x <= size.y && size.x <= size.z;
+  const T3DVEC least = x_least            ? T3DVEC{1, 0, 0}
+                       : size.y <= size.z ? T3DVEC{0, 1, 0}
+                                          : T3DVEC{0, 0, 1};
+  const T3DVEC x = unit(cross(least, z));
+  across.x = length * x;
+  across.y = length * cross(z, x);
+  across.z = length * z;
+}
+
+T3DVEC lesser(const T3DVEC& a, const T3DVEC& b) {
+  return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
+}
+T3DVEC greater(const T3DVEC& a, const T3DVEC& b) {
+  return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+}
+
+// Even bins hold rays along the direction, odd ones those against it.
+uint8_t way_Bit(uint32_t bin) { return bin % 2 == 0 ? kSeesAhead : kSeesBehind; }
+void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
+
+}  // namespace
+
+bool CSweep::ini_Msh(const C3DTriAABBTree& tree, const TSweepLanes* lanes) {
+  tree_ = &tree;
+  lanes_ = lanes ? lanes : avx2_Lanes() ? avx2_Lanes() : &kPortableLanes;
+  msh_ = tree.mesh();
+  box_.reset();
+  if (tree.has_Excluded() || std::max(msh_.n_tri, msh_.n_vtx) > kMostIndex) return false;
+  for (uint32_t v = 0; v < msh_.n_vtx; ++v) {
+    if (!is_Finite(msh_.vtx[v])) return false;
+    box_.add(msh_.vtx[v]);
+  }
+  return msh_.n_tri != 0 && 0.5 * len(box_.size()) >= 0x1p-60;
+}
+
+bool CSweep::clear_Hit(const T3DVEC& direction, const TSweepRays& rays) {
+  if (rays.count > kMostIndex || !set_Across(direction, rays.box)) return false;
+  // Small meshes would wait for threads longer than they work.
+  const uint32_t worth = 1 + (msh_.n_tri + rays.count) / kPerPart;
+  parts_ = std::min({kMostParts, worth, static_cast<uint32_t>(omp_get_max_threads())});
+  lay_Tiles(place_Mesh(), shadow(rays.box));
+  if (!bin_Triangles()) return false;
+  bin_Rays(rays);
+  asks_tree_ = prefers_Tree();
+  if (asks_tree_) tree_->BuildRays();
+
+  // Blocks of tiles, far from one another: threads take runs of them, and places with much work are
+  // close together. The factor is a prime, so each block is met once.
+  const uint32_t blocks = tiles_.count() / kBlock + 1;
+  each_Index(
+      blocks,
+      [&](uint32_t i) {
+        const auto block = static_cast<uint32_t>(uint64_t{i} * 2654435761u % blocks);
+        const uint32_t end = std::min((block + 1) * kBlock, tiles_.count());
+        for (uint32_t tile = block * kBlock; tile < end; ++tile) answer_Tile(rays, tile);
+      },
+      parts_ > 1 ? kFewParts : UINT32_MAX);
+  return true;
+}
+
+// The bounds of the errors need rays that start close to the mesh, and a direction that org + dir
+// keeps (see above); ranges keep all clear of overflow.
+bool CSweep::set_Across(const T3DVEC& direction, const C3DAABB& starts) {
+  const double length = len(direction), reach = 0.5 * len(box_.size());
+  const double most = std::max(max_Abs(box_.min), max_Abs(box_.max));
+  const double beyond = std::max(max_Abs(box_.min - lesser(box_.min, starts.min)),
+                                 max_Abs(greater(box_.max, starts.max) - box_.max));
+  if (!(length >= 0x1p-40 && length <= 0x1p40)) return false;
+  if (!(most + beyond <= 0x1p17 * length && beyond <= 0.05 * reach)) return false;
+  const double away = (most + beyond) / reach;
+  if (!(away <= 0x1p12)) return false;
+  least_ = static_cast<float>(std::max(kThinLeast, kThinFar * away * away));
+  direction_ = direction;
+  const double scale = 0.999 / reach;
+  set_Axes(direction, scale, across_);
+  across_.centre = box_.centre();
+  return true;
+}
+
+// body(part, first, end) for parts of the entries beside one another.
+template <typename Body>
+void CSweep::each_Part(uint32_t count, Body body) const {
+  const auto first = [&](uint32_t part) {
+    return static_cast<uint32_t>(uint64_t{count} * part / parts_);
+  };
+  each_Index(
+      parts_, [&](uint32_t part) { body(part, first(part), first(part + 1)); }, kFewParts);
+}
+
+// The rectangle of a box in space.
+CSweep::TFlatBox CSweep::shadow(const C3DAABB& box) const {
+  const T3DVEC centre = across_(box.centre()), half = 0.5 * box.size();
+  const auto reach = [&](const T3DVEC& axis) {
+    return half.x * std::fabs(axis.x) + half.y * std::fabs(axis.y) + half.z * std::fabs(axis.z) +
+           kPad;
+  };
+  const double x = reach(across_.x), y = reach(across_.y);
+  return {static_cast<float>(centre.x - x), static_cast<float>(centre.x + x),
+          static_cast<float>(centre.y - y), static_cast<float>(centre.y + y)};
+}
+
+CSweep::TFlatBox CSweep::place_Mesh() {
+  for (CScratch<float>* row : {&px_, &py_, &pz_}) row->resize(msh_.n_vtx);
+  TFlatBox boxes[kMostParts];
+  each_Part(msh_.n_vtx, [&](uint32_t part, uint32_t first, uint32_t end) {
+    TFlatBox box = {2.0f, -2.0f, 2.0f, -2.0f};
+    for (uint32_t v = first; v < end; ++v) {
+      const T3DVEC p = across_(msh_.vtx[v]);
+      const auto x = static_cast<float>(p.x), y = static_cast<float>(p.y);
+      px_[v] = x;
+      py_[v] = y;
+      pz_[v] = static_cast<float>(p.z);
+      box = {std::min(box.low_x, x), std::max(box.high_x, x), std::min(box.low_y, y),
+             std::max(box.high_y, y)};
+    }
+    boxes[part] = box;
+  });
+  for (uint32_t part = 1; part < parts_; ++part)
+    boxes[0] = {
+        std::min(boxes[0].low_x, boxes[part].low_x), std::max(boxes[0].high_x, boxes[part].high_x),
+        std::min(boxes[0].low_y, boxes[part].low_y), std::max(boxes[0].high_y, boxes[part].high_y)};
+  return boxes[0];
+}
+
+// As many triangles in a tile as pay best, if they were spread evenly. A mesh that lies nearly
+// edge-on gets a row of tiles. Rays may start beyond them, over the outermost ones.
+void CSweep::lay_Tiles(const TFlatBox& box, const TFlatBox& starts) {
+  const double width = box.high_x - box.low_x, height = box.high_y - box.low_y;
+  const double n = msh_.n_tri;
+  tile_ = std::max(std::sqrt(width * height * kPerTile / n), 0x1p-14);
+  tile_ = std::max(tile_, (width + height) * kPerRow / n);
+  tiles_.low_x = box.low_x;
+  tiles_.low_y = box.low_y;
+  tiles_.per_unit = static_cast<float>(1.0 / tile_);
+  tiles_.columns = static_cast<uint32_t>(width / tile_) + 1;
+  tiles_.rows = static_cast<uint32_t>(height / tile_) + 1;
+  beyond_ = std::max(std::max(box.low_x - starts.low_x, starts.high_x - box.high_x),
+                     std::max(box.low_y - starts.low_y, starts.high_y - box.high_y));
+  beyond_ = std::max(0.0f, beyond_);  // no ray: no number
+}
+
+// body(first, count, row) for each eight entries; each part has a row of counts_, with a value for
+// each bin.
+template <typename Body>
+void CSweep::each_Eight(uint32_t count, uint32_t bins, bool clear, Body body) {
+  counts_.resize(size_t{parts_} * bins);
+  each_Part((count + kLanes8 - 1) / kLanes8, [&](uint32_t part, uint32_t first, uint32_t end) {
+    uint32_t* row = counts_.data() + size_t{part} * bins;
+    if (clear) std::fill_n(row, bins, 0u);
+    for (uint32_t k = first; k < end; ++k)
+      body(k * kLanes8, std::min(kLanes8, count - k * kLanes8), row);
+  });
+}
+
+// Turns the counts into the places where each part puts its entries. False if there are too many.
+bool CSweep::sum_Counts(uint32_t bins, uint64_t most, TBins& out) {
+  out.begin.resize(size_t{bins} + 1);
+  uint64_t next = 0;
+  for (uint32_t bin = 0; bin < bins; ++bin) {
+    out.begin[bin] = static_cast<uint32_t>(next);
+    for (uint32_t part = 0; part < parts_; ++part)
+      next += std::exchange(counts_[size_t{part} * bins + bin], static_cast<uint32_t>(next));
+  }
+  out.begin[bins] = static_cast<uint32_t>(next);
+  return next <= most;
+}
+
+TFlatMesh CSweep::flat_Mesh() const {
+  return {px_.data(), py_.data(), pz_.data(), msh_.tri, least_};
+}
+
+// The tiles under a triangle's own box.
+void CSweep::span_Shadow(uint32_t t) {
+  C3DAABB own;
+  own.from_Tri(get_Fac(msh_, t));
+  const TFlatBox box = shadow(own);
+  spans_[t] = {static_cast<uint16_t>(tiles_.column(box.low_x)),
+               static_cast<uint16_t>(tiles_.column(box.high_x)),
+               static_cast<uint16_t>(tiles_.row(box.low_y)),
+               static_cast<uint16_t>(tiles_.row(box.high_y))};
+}
+
+bool CSweep::bin_Triangles() {
+  const uint32_t tiles = tiles_.count();
+  const TFlatMesh mesh = flat_Mesh();
+  spans_.resize(msh_.n_tri);
+  const auto each_Tile = [&](uint32_t t, auto visit) {
+    const TSpan& span = spans_[t];
+    for (uint32_t row = span.first_row; row <= span.last_row; ++row)
+      for (uint32_t column = span.first_column; column <= span.last_column; ++column)
+        visit(row * tiles_.columns + column);
+  };
+  each_Eight(msh_.n_tri, tiles, true, [&](uint32_t first, uint32_t count, uint32_t* counts) {
+    uint32_t thin = lanes_->find_Spans(mesh, first, count, tiles_, &spans_[first]);
+    for (; thin != 0; thin &= thin - 1)
+      span_Shadow(first + static_cast<uint32_t>(std::countr_zero(thin)));
+    for (uint32_t t = first; t < first + count; ++t)
+      each_Tile(t, [&](uint32_t tile) { ++counts[tile]; });
+  });
+  if (!sum_Counts(tiles, std::min(uint64_t{kMostEntries} * msh_.n_tri, uint64_t{UINT32_MAX}),
+                  triangles_))
+    return false;
+  triangles_.entries.resize(triangles_.begin[tiles]);
+  each_Eight(msh_.n_tri, tiles, false, [&](uint32_t first, uint32_t count, uint32_t* places) {
+    for (uint32_t t = first; t < first + count; ++t)
+      each_Tile(t, [&](uint32_t tile) { triangles_.entries[places[tile]++] = t; });
+  });
+  return true;
+}
+
+// A ray that leaves through its own triangle is hit by that, which is cheap to ask first. Counts
+// the rays that are left.
+void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, uint32_t* counts) {
+  uint32_t starts[kLanes8] = {}, own[kLanes8] = {};
+  for (uint32_t k = 0; k < count; ++k) {
+    starts[k] = rays.id(first + k);
+    own[k] = std::min(starts[k], msh_.n_tri - 1);
+  }
+  const TFlatMesh mesh = flat_Mesh();
+  const TPlaced out = {&x_[first], &y_[first], &z_[first], &spot_of_[first]};
+  const uint32_t hits =
+      lanes_->place_Rays(mesh, across_, tiles_, rays.orgs, starts, own, count, out);
+  for (uint32_t k = 0; k < count; ++k) {
+    uint8_t& sight = rays.sight[first + k];
+    const uint32_t closed =
+        (hits >> k & 1u) * kSeesAhead | (hits >> (k + kLanes8) & 1u) * kSeesBehind;
+    sight &= static_cast<uint8_t>(~closed);
+    counts[out.spot[k]] += sight & kSeesAhead ? 1 : 0;
+    counts[out.spot[k] + kSpots] += sight & kSeesBehind ? 1 : 0;
+  }
+}
+
+void CSweep::bin_Rays(const TSweepRays& rays) {
+  const uint32_t bins = 2 * kSpots * tiles_.count();
+  for (CScratch<float>* row : {&x_, &y_, &z_}) row->resize(rays.count);
+  spot_of_.resize(rays.count);
+  each_Eight(rays.count, bins, true, [&](uint32_t first, uint32_t count, uint32_t* counts) {
+    ask_Own(rays, first, count, counts);
+  });
+  sum_Counts(bins, UINT32_MAX, rays_);
+  rays_.entries.resize(rays_.begin[bins]);
+  each_Eight(rays.count, bins, false, [&](uint32_t first, uint32_t count, uint32_t* next) {
+    for (uint32_t i = first; i < first + count; ++i) {
+      if (rays.sight[i] & kSeesAhead) rays_.entries[next[spot_of_[i]]++] = i;
+      if (rays.sight[i] & kSeesBehind) rays_.entries[next[spot_of_[i] + kSpots]++] = i;
+    }
+  });
+}
+
+// Whether the rays of a bin would cost less in the tree.
+bool CSweep::is_Crowded(uint32_t bin) const {
+  const uint64_t rays = count_Rays(bin), groups = (rays + kLanes8 - 1) / kLanes8;
+  return groups * triangles_.count(bin / 2) > kRayByTree * rays;
+}
+
+// Whether the crowded bins are worth the tree.
+bool CSweep::prefers_Tree() const {
+  uint64_t excess = 0;
+  for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin) {
+    if (!is_Crowded(bin)) continue;
+    const uint64_t rays = count_Rays(bin), groups = (rays + kLanes8 - 1) / kLanes8;
+    excess += groups * triangles_.count(bin / 2) - kRayByTree * rays;
+  }
+  return excess > (tree_->has_Rays() ? 0 : uint64_t{kTreeByTriangle} * msh_.n_tri);
+}
+
+void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
+  const T3DVEC way = bin % 2 == 0 ? direction_ : -direction_;
+  for (uint32_t k = first_Ray(bin); k < first_Ray(bin + 1); ++k) {
+    const uint32_t i = rays_.entries[k];
+    if (tree_->AnyHit({rays.orgs[rays.id(i)], way})) close_Way(rays.sight[i], bin);
+  }
+}
+
+bool CSweep::is_Hit(const T3DVEC& org, uint32_t bin, uint32_t t) const {
+  const T3DRAY ray = {org, bin % 2 == 0 ? direction_ : -direction_};
+  const T3DFAC f = get_Fac(msh_, t);
+  if (!hit_Tri(ray, f)) return false;
+  C3DAABB own;
+  own.from_Tri(f);
+  return hit_Box(ray, own);
+}
+
+// Of a thin triangle nothing is known but that a ray must come to its own box.
+void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const {
+  for (uint32_t i = 0; i < count; ++i) {
+    if (flats.clear[i] < kInfinite) continue;
+    C3DAABB own;
+    own.from_Tri(get_Fac(msh_, ids[i]));
+    const TFlatBox box = shadow(own);
+    flats.low_x[i] = box.low_x;
+    flats.high_x[i] = box.high_x;
+    flats.low_y[i] = box.low_y;
+    flats.high_y[i] = box.high_y;
+  }
+}
+
+void CSweep::answer_Tile(const TSweepRays& rays, uint32_t tile) const {
+  bool open[2];
+  for (uint32_t behind = 0; behind < 2; ++behind) {
+    const uint32_t bin = 2 * tile + behind;
+    open[behind] = count_Rays(bin) != 0;
+    if (!open[behind] || !asks_tree_ || !is_Crowded(bin)) continue;
+    ask_Tree(rays, bin);
+    open[behind] = false;
+  }
+  if (!open[0] && !open[1]) return;
+  const TFlatMesh mesh = flat_Mesh();
+  const uint32_t column = tile % tiles_.columns, row = tile / tiles_.columns;
+  const bool outermost =
+      column == 0 || column == tiles_.columns - 1 || row == 0 || row == tiles_.rows - 1;
+  const TSpot spot = {static_cast<float>(tiles_.low_x + (column + 0.5) * tile_),
+                      static_cast<float>(tiles_.low_y + (row + 0.5) * tile_),
+                      static_cast<float>(0.6 * tile_ + (outermost ? beyond_ : 0.0f))};
+  const uint32_t end = triangles_.begin[tile + 1];
+  TFlats flats;
+  for (uint32_t from = triangles_.begin[tile]; from < end; from += kMostFlats) {
+    const uint32_t* ids = &triangles_.entries[from];
+    const uint32_t count = std::min(kMostFlats, end - from);
+    lanes_->flatten(mesh, ids, count, spot, flats);
+    narrow_Thin(ids, count, flats);
+    for (uint32_t behind = 0; behind < 2; ++behind) {
+      const uint32_t bin = 2 * tile + behind, last = open[behind] ? first_Ray(bin + 1) : 0;
+      for (uint32_t first = first_Ray(bin); first < last; first += kLanes8)
+        answer_Group(rays, bin, first, flats, ids, count);
+    }
+  }
+}
+
+// Holds up to eight rays of a bin against the triangles.
+void CSweep::answer_Group(const TSweepRays& rays, uint32_t bin, uint32_t first, const TFlats& flats,
+                          const uint32_t* ids, uint32_t count) const {
+  const uint32_t* entries = &rays_.entries[first];
+  const uint32_t open = std::min(kLanes8, first_Ray(bin + 1) - first);
+  TRays8 group;
+  group.way = bin % 2 == 0 ? 1.0f : -1.0f;
+  lanes_->fetch(x_.data(), y_.data(), z_.data(), entries, open, group);
+  uint32_t list[kMostFlats + kLanes8];
+  const uint32_t listed = lanes_->select(flats, count, group, list);
+  uint32_t alive = 0;
+  for (uint32_t k = 0; k < open; ++k)
+    alive |= ((rays.sight[entries[k]] & way_Bit(bin)) != 0 ? 1u : 0u) << k;
+  for (uint32_t e = 0; e < listed && alive != 0; e += kChunk) {
+    TSifted sifted[kChunk];
+    const uint32_t found =
+        lanes_->sift(flats, list + e, std::min(kChunk, listed - e), group, alive, sifted);
+    for (uint32_t s = 0; s < found; ++s) {
+      uint32_t hit = sifted[s].hit & alive;
+      for (uint32_t bits = sifted[s].unclear & alive; bits != 0; bits &= bits - 1) {
+        const auto k = static_cast<uint32_t>(std::countr_zero(bits));
+        if (is_Hit(rays.orgs[rays.id(entries[k])], bin, ids[sifted[s].at])) hit |= 1u << k;
+      }
+      alive &= ~hit;
+      for (; hit != 0; hit &= hit - 1) close_Way(rays.sight[entries[std::countr_zero(hit)]], bin);
+    }
+  }
+}
+
+}  // namespace undercut

@@ -1,0 +1,106 @@
+// All rays along one direction, and against it, in one pass.
+//
+// Seen along the direction, rays are points and triangles are flat. Both are sorted into square
+// tiles of a few triangles each, and in each tile its rays, eight at a time, are held against its
+// triangles. The answers are those of C3DTriAABBTree::AnyHit, bit for bit: what single precision is
+// sure of is taken, and the rest is decided by hit_Tri and hit_Box. sweep.cpp shows why.
+//
+// The cost grows with the number of triangles and of rays. Where too many triangles lie behind one
+// another it would grow with the product of both; such places, or meshes, are left to the tree.
+#pragma once
+
+#include "foundation/scratch.h"
+#include "mesh/sweep_lanes.h"
+#include "mesh/sweep_space.h"
+#include "mesh/trees.h"
+
+namespace undercut {
+
+// What is found for a ray; see sight.h.
+inline constexpr uint8_t kSeesAhead = 1;
+inline constexpr uint8_t kSeesBehind = 2;
+
+// Ray i starts at orgs[t] with t = list[i], or t = i without a list; it is most likely to be hit by
+// triangle t. It is asked along the direction if sight[i] has kSeesAhead, and against it if
+// kSeesBehind. All listed starts must be finite, those that are not asked too, and their indices
+// below 2^28.
+struct TSweepRays {
+  const T3DVEC* orgs;
+  C3DAABB box;  // of all starts
+  const uint32_t* list;
+  uint32_t count;
+  uint8_t* sight;
+
+  uint32_t id(uint32_t i) const { return list ? list[i] : i; }
+};
+
+// Keeps its memory from one sweep to the next: some 50 bytes for each triangle and ray.
+class CSweep {
+ public:
+  // The tree's mesh; both must stay as they are. False if no sweep can be made of it: coordinates
+  // that are not finite or out of range. `lanes`: null for the fastest form.
+  bool ini_Msh(const C3DTriAABBTree& tree, const TSweepLanes* lanes = nullptr);
+
+  // Clears the bits of the ways that are blocked. False, and nothing done, where errors can't be
+  // bounded: starts or a mesh too far from 0 for the size of the mesh or of the direction; or where
+  // the tree would be quicker. Throws std::bad_alloc.
+  bool clear_Hit(const T3DVEC& direction, const TSweepRays& rays);
+
+ private:
+  struct TFlatBox {
+    float low_x, high_x, low_y, high_y;
+  };
+  // Those of bin k stand from begin[k] to begin[k + 1].
+  struct TBins {
+    CScratch<uint32_t> begin, entries;
+    uint32_t count(uint32_t bin) const { return begin[bin + 1] - begin[bin]; }
+  };
+
+  bool set_Across(const T3DVEC& direction, const C3DAABB& starts);
+  TFlatBox shadow(const C3DAABB& box) const;
+  TFlatBox place_Mesh();
+  void lay_Tiles(const TFlatBox& box, const TFlatBox& starts);
+  template <typename Body>
+  void each_Part(uint32_t count, Body body) const;
+  template <typename Body>
+  void each_Eight(uint32_t count, uint32_t bins, bool clear, Body body);
+  bool sum_Counts(uint32_t bins, uint64_t most, TBins& out);
+  TFlatMesh flat_Mesh() const;
+  void span_Shadow(uint32_t t);
+  bool bin_Triangles();
+  void ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, uint32_t* counts);
+  void bin_Rays(const TSweepRays& rays);
+  // Of a side of a tile: the rays along the direction, if it is even, or those against it.
+  uint32_t first_Ray(uint32_t side) const { return rays_.begin[size_t{side} * kSpots]; }
+  uint32_t count_Rays(uint32_t side) const { return first_Ray(side + 1) - first_Ray(side); }
+  bool is_Crowded(uint32_t side) const;
+  bool prefers_Tree() const;
+  void answer_Tile(const TSweepRays& rays, uint32_t tile) const;
+  void narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const;
+  void answer_Group(const TSweepRays& rays, uint32_t bin, uint32_t first, const TFlats& flats,
+                    const uint32_t* ids, uint32_t count) const;
+  void ask_Tree(const TSweepRays& rays, uint32_t bin) const;
+  bool is_Hit(const T3DVEC& org, uint32_t bin, uint32_t t) const;
+
+  const C3DTriAABBTree* tree_ = nullptr;
+  const TSweepLanes* lanes_ = nullptr;
+  T3DMSH msh_ = {};
+  C3DAABB box_;
+  T3DVEC direction_ = {};
+  TAcross across_ = {};
+  TTiles tiles_ = {};
+  double tile_ = 0;               // side of a tile
+  float beyond_ = 0;              // how far from them a ray may start
+  float least_ = 0;               // see TFlatMesh
+  uint32_t parts_ = 1;            // of triangles or rays, binned beside one another
+  bool asks_tree_ = false;        // for crowded bins
+  CScratch<float> px_, py_, pz_;  // the vertices
+  CScratch<TSpan> spans_;         // of the triangles
+  TBins triangles_;               // one bin a tile
+  CScratch<float> x_, y_, z_;     // where the rays start
+  CScratch<uint32_t> spot_of_;    // of the rays
+  TBins rays_;                    // one bin a spot
+  CScratch<uint32_t> counts_;     // of each part in each bin
+};
+
+}  // namespace undercut

@@ -1,0 +1,273 @@
+// All rays along one direction in one pass: the answers of AnyHit.
+#include "mesh/sweep.h"
+
+#include <gtest/gtest.h>
+#include <omp.h>
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include "tests/reference/plain_rays.h"
+#include "tests/support/intensity.h"
+#include "tests/support/sweep_forms.h"
+
+namespace undercut::tests {
+
+namespace {
+
+constexpr uint64_t kSeed = 20241103;
+constexpr uint8_t kBoth = kSeesAhead | kSeesBehind;
+
+// The bits that a loop over all triangles leaves.
+uint8_t leave_Plain(const T3DMSH& msh, const T3DVEC& org, const T3DVEC& direction, uint8_t open) {
+  if ((open & kSeesAhead) && reference::any_Hit(msh, {org, direction})) open &= ~kSeesAhead & 0xff;
+  if ((open & kSeesBehind) && reference::any_Hit(msh, {org, -direction}))
+    open &= ~kSeesBehind & 0xff;
+  return open;
+}
+
+TSweepRays take_Rays(const THostile& hostile, std::vector<uint8_t>& sight) {
+  return {hostile.orgs.data(), hostile.box, nullptr, static_cast<uint32_t>(sight.size()),
+          sight.data()};
+}
+
+// A sheet of n by n unit squares with rays from its corners.
+THostile make_Case(TSoup soup, const T3DVEC& direction, double lift = 0.25) {
+  THostile out;
+  out.soup = std::move(soup);
+  out.direction = direction;
+  for (uint32_t t = 0; t < out.soup.tri.size(); ++t) {
+    out.orgs.push_back(cen_Tri(get_Fac(out.soup.msh(), t)) + lift * direction);
+    out.box.add(out.orgs.back());
+    out.sight.push_back(kBoth);
+  }
+  return out;
+}
+
+// Whether a sweep takes it; where it does, the answers are those of the loop, and else untouched.
+bool sweeps(THostile& hostile) {
+  C3DTriAABBTree tree;
+  EXPECT_TRUE(tree.Prepare(hostile.soup.msh()));
+  std::vector<std::vector<uint8_t>> answers;
+  bool taken = false;
+  for (const TForm& form : list_Forms()) {
+    std::vector<uint8_t> sight = hostile.sight;
+    CSweep sweep;
+    taken = sweep.ini_Msh(tree, form.lanes) &&
+            sweep.clear_Hit(hostile.direction, take_Rays(hostile, sight));
+    answers.push_back(sight);
+  }
+  std::vector<uint8_t> want = hostile.sight;
+  for (uint32_t i = 0; taken && i < want.size(); ++i)
+    want[i] = leave_Plain(hostile.soup.msh(), hostile.orgs[i], hostile.direction, want[i]);
+  for (const std::vector<uint8_t>& answer : answers) EXPECT_EQ(answer, want);
+  return taken;
+}
+
+class CThreads {
+ public:
+  explicit CThreads(int count) : before_(omp_get_max_threads()) { omp_set_num_threads(count); }
+  ~CThreads() { omp_set_num_threads(before_); }
+  CThreads(const CThreads&) = delete;
+  CThreads& operator=(const CThreads&) = delete;
+
+ private:
+  int before_;
+};
+
+}  // namespace
+
+TEST(Sweep, EqualsALoopOverAllTriangles_ForAnyNumberOfThreads) {
+  std::printf("seed %llu\n", static_cast<unsigned long long>(kSeed));
+  uint32_t taken = 0;
+  CSweep reused[4];
+  for (uint32_t round = 0; round < scale_Cases(40); ++round) {
+    THostile hostile = make_Hostile(kSeed + round, 60 + round % 7 * 30, 400);
+    const T3DMSH msh = hostile.soup.msh();
+    C3DTriAABBTree tree;
+    ASSERT_TRUE(tree.Prepare(msh));
+    std::vector<uint8_t> want;
+    for (uint32_t i = 0; i < hostile.orgs.size(); ++i)
+      want.push_back(leave_Plain(msh, hostile.orgs[i], hostile.direction, hostile.sight[i]));
+    const CThreads threads(round % 3 == 0 ? 1 : round % 3 == 1 ? 2 : 16);
+    uint32_t k = 0;
+    for (const TForm& form : list_Forms()) {
+      CSweep& sweep = reused[k++];
+      if (!sweep.ini_Msh(tree, form.lanes)) continue;
+      for (int turn = 0; turn < 2; ++turn) {  // the second along what the first leaves in memory
+        std::vector<uint8_t> sight = hostile.sight;
+        if (!sweep.clear_Hit(hostile.direction, take_Rays(hostile, sight))) break;
+        ++taken;
+        ASSERT_EQ(sight, want) << form.name << ", round " << round << ", kind " << hostile.kind;
+      }
+    }
+  }
+  EXPECT_GT(taken, 40u);
+}
+
+TEST(Sweep, FollowsTheList_InItsOrder_WithRepeats) {
+  reference::Random random(kSeed);
+  for (uint32_t round = 0; round < scale_Cases(40); ++round) {
+    THostile hostile = make_Hostile(kSeed + round, 60, 300);
+    C3DTriAABBTree tree;
+    ASSERT_TRUE(tree.Prepare(hostile.soup.msh()));
+    std::vector<uint32_t> list;
+    std::vector<uint8_t> asked;
+    for (uint64_t n = random.below(700); n > 0; --n) {
+      list.push_back(static_cast<uint32_t>(random.below(300)));
+      asked.push_back(static_cast<uint8_t>(random.below(8)));
+    }
+    for (const TForm& form : list_Forms()) {
+      std::vector<uint8_t> sight = asked;
+      CSweep sweep;
+      if (!sweep.ini_Msh(tree, form.lanes) ||
+          !sweep.clear_Hit(hostile.direction, {hostile.orgs.data(), hostile.box, list.data(),
+                                               static_cast<uint32_t>(list.size()), sight.data()}))
+        continue;
+      for (uint32_t n = 0; n < list.size(); ++n)
+        ASSERT_EQ(sight[n], leave_Plain(hostile.soup.msh(), hostile.orgs[list[n]],
+                                        hostile.direction, asked[n]))
+            << form.name << ", round " << round << ", entry " << n;
+    }
+  }
+}
+
+TEST(Sweep, TakesMeshesAndDirections_NearAndFar) {
+  for (const double scale : {1e-12, 1e-6, 1.0, 100.0})
+    for (const double away : {0.0, 1.0, 60.0}) {
+      TSoup soup = make_Bumpy(12, 12);
+      for (T3DVEC& v : soup.vtx) v = scale * (v + 10 * away * T3DVEC{1, -1, 0.5});
+      THostile hostile = make_Case(soup, unit(T3DVEC{0.1, 0.2, 1}), 0.25 * scale);
+      EXPECT_TRUE(sweeps(hostile)) << scale << " " << away;
+    }
+}
+
+TEST(Sweep, TakesNoMesh_WithoutNumbersOrOutOfRange) {
+  const double infinite = std::numeric_limits<double>::infinity();
+  for (const double odd : {infinite, -infinite, std::nan(""), 1e300}) {
+    THostile hostile = make_Case(make_Grid(12, 12), {0, 0, 1});
+    hostile.soup.vtx[7].y = odd;
+    EXPECT_FALSE(sweeps(hostile)) << odd;
+  }
+  THostile point = make_Case(make_Grid(12, 12), {0, 0, 1});
+  for (T3DVEC& v : point.soup.vtx) v = {1, 2, 3};
+  EXPECT_FALSE(sweeps(point));
+}
+
+TEST(Sweep, TakesNoDirection_ThatOrgAndDirDontKeep) {
+  const double nan = std::nan("");
+  for (const T3DVEC& direction :
+       {T3DVEC{0, 0, 0}, T3DVEC{0, nan, 1}, T3DVEC{1e-13, 0, 0}, T3DVEC{0, 2e12, 0},
+        T3DVEC{0, 0, 1e-5}, T3DVEC{0, 0, std::numeric_limits<double>::infinity()}}) {
+    THostile hostile = make_Case(make_Grid(12, 12), {0, 0, 1});
+    hostile.direction = direction;
+    EXPECT_FALSE(sweeps(hostile)) << direction.x << " " << direction.y << " " << direction.z;
+  }
+}
+
+TEST(Sweep, TakesNoMesh_FarFromTheOriginForItsSize) {
+  for (const double away : {1e5, 1e9, 1e15}) {
+    TSoup soup = make_Bumpy(12, 12);
+    for (T3DVEC& v : soup.vtx) v.x += away;
+    THostile hostile = make_Case(soup, {0, 0, 1});
+    EXPECT_FALSE(sweeps(hostile)) << away;
+  }
+}
+
+TEST(Sweep, TakesNoRays_FarFromTheMesh) {
+  THostile hostile = make_Case(make_Grid(12, 12), {0, 0, 1});
+  EXPECT_TRUE(sweeps(hostile));
+  hostile.orgs[3].z = 5;
+  hostile.box.add(hostile.orgs[3]);
+  EXPECT_FALSE(sweeps(hostile));
+}
+
+TEST(Sweep, TakesNoMesh_WithATriangleThatIsExcluded) {
+  THostile hostile = make_Case(make_Grid(12, 12), {0, 0, 1});
+  C3DTriAABBTree tree;
+  ASSERT_TRUE(tree.Prepare(hostile.soup.msh()));
+  CSweep sweep;
+  EXPECT_TRUE(sweep.ini_Msh(tree));
+  tree.Exclude(5);
+  EXPECT_FALSE(sweep.ini_Msh(tree));
+}
+
+TEST(Sweep, TakesNoMesh_WhoseTrianglesLieOverTooManyTiles) {
+  reference::Random random(kSeed);
+  TSoup soup;
+  for (uint32_t t = 0; t < 6000; ++t) {
+    soup.vtx.insert(
+        soup.vtx.end(),
+        {{-1, -1, random.real(-1, 1)}, {3, -1, random.real(-1, 1)}, {-1, 3, random.real(-1, 1)}});
+    soup.tri.push_back({3 * t, 3 * t + 1, 3 * t + 2});
+  }
+  THostile hostile = make_Case(soup, {0, 0, 1}, 0.01);
+  hostile.sight.resize(600);
+  EXPECT_FALSE(sweeps(hostile));
+}
+
+TEST(Sweep, LeavesCrowdedPlacesToTheTree) {
+  // Walls seen end-on, one triangle many times, and many around one point.
+  TSoup walls, one, many = make_Bumpy(12, 12);
+  for (uint32_t w = 0; w < 500; ++w) {
+    const double x = 0.01 * w;
+    walls.vtx.insert(walls.vtx.end(), {{x, 0, 0}, {x, 7, 0}, {x + 1e-4, 0, 7}});
+    walls.tri.push_back({3 * w, 3 * w + 1, 3 * w + 2});
+    one.vtx.insert(one.vtx.end(), {{0, 0, 0}, {1, 0, 0.1}, {0, 1, 0.3}});
+    one.tri.push_back({3 * w, 3 * w + 1, 3 * w + 2});
+  }
+  for (uint32_t n = 0; n < 800; ++n) {
+    const T3DVEC at = T3DVEC{7, 7, 1} + 1e-3 * sph_ToCar(n * 0.09, n * 37.0);
+    const auto first = static_cast<uint32_t>(many.vtx.size());
+    many.vtx.insert(many.vtx.end(), {at, at + T3DVEC{1e-3, 0, 0}, at + T3DVEC{0, 1e-3, 1e-4}});
+    many.tri.push_back({first, first + 1, first + 2});
+  }
+  for (TSoup* soup : {&walls, &one, &many}) {
+    THostile hostile = make_Case(*soup, unit(T3DVEC{1, 1e-3, 2e-3}), 0.01);
+    EXPECT_TRUE(sweeps(hostile));
+    hostile.direction = unit(T3DVEC{0.01, 0.02, 1});
+    EXPECT_TRUE(sweeps(hostile));
+  }
+}
+
+TEST(Sweep, TakesFlatMeshes_SeenEdgeOn_AndSingleTriangles) {
+  for (const T3DVEC& direction : {T3DVEC{1, 0, 0}, T3DVEC{0, 1, 0}, T3DVEC{0.6, 0.8, 0}}) {
+    THostile sheet = make_Case(make_Grid(14, 14), direction, 0.1);
+    EXPECT_TRUE(sweeps(sheet));
+    THostile row = make_Case(make_Grid(300, 1), direction, 0.1);
+    EXPECT_EQ(sweeps(row), direction.x != 1);  // each triangle lies over all tiles
+  }
+  for (const T3DVEC& direction : {T3DVEC{1, 0, 0}, T3DVEC{0, 0, 1}, T3DVEC{0.6, 0.48, 0.64}}) {
+    THostile one = make_Case({{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}}, direction, 0.02);
+    EXPECT_TRUE(sweeps(one));
+    THostile segment = make_Case({{{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, {{0, 1, 2}}}, direction, 0.02);
+    EXPECT_TRUE(sweeps(segment));
+  }
+}
+
+TEST(Sweep, TakesRaysBesideTheMesh_InTheCornersOfItsBox) {
+  reference::Random random(kSeed);
+  for (const T3DVEC& direction : {T3DVEC{0, 0, 1}, unit(T3DVEC{1, 1, 1}), T3DVEC{0.6, 0, 0.8}}) {
+    THostile hostile = make_Case(make_Sphere(12, 16, 1), direction, 0.01);
+    // A segment taken for a triangle is hit by all that pass its box.
+    hostile.soup.vtx.insert(hostile.soup.vtx.end(), {{-0.9, -0.3, -0.1}, {0.9, 0.3, 0.1}});
+    const auto first = static_cast<uint32_t>(hostile.soup.vtx.size() - 2);
+    hostile.soup.tri.push_back({first, first + 1, first});
+    for (T3DVEC& org : hostile.orgs) hostile.box.add(org = random.triple(-1, 1));
+    EXPECT_TRUE(sweeps(hostile));
+  }
+}
+
+TEST(Sweep, AsksNoRay_ThatIsAskedAlongNeitherWay) {
+  THostile hostile = make_Case(make_Bumpy(12, 12), {0, 0, 1});
+  for (uint32_t i = 0; i < hostile.sight.size(); ++i)
+    hostile.sight[i] = static_cast<uint8_t>(i % 8);
+  EXPECT_TRUE(sweeps(hostile));
+  std::fill(hostile.sight.begin(), hostile.sight.end(), uint8_t{4});
+  EXPECT_TRUE(sweeps(hostile));
+  hostile.sight.clear();
+  EXPECT_TRUE(sweeps(hostile));
+}
+
+}  // namespace undercut::tests
