@@ -43,7 +43,7 @@ class CThreadOrder {
 // Where an entry throws, which it does for lack of memory alone, the others still run, and the
 // calling thread throws std::bad_alloc at the end.
 template <typename Body>
-void each_Index(uint32_t count, const Body& body, uint32_t worth = 256) {
+void each_Index(uint32_t count, const Body& body, [[maybe_unused]] uint32_t worth = 256) {
   std::atomic<bool> failed = false;
   {
     CThreadOrder order;

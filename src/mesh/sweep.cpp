@@ -177,16 +177,14 @@ CSweep::TFlatBox CSweep::shadow(const C3DAABB& box) const {
 }
 
 CSweep::TFlatBox CSweep::place_Mesh() {
-  for (CScratch<float>* row : {&px_, &py_, &pz_}) row->resize(msh_.n_vtx);
+  points_.resize(msh_.n_vtx);
   TFlatBox boxes[kMostParts];
   each_Part(msh_.n_vtx, [&](uint32_t part, uint32_t first, uint32_t end) {
     TFlatBox box = {2.0f, -2.0f, 2.0f, -2.0f};
     for (uint32_t v = first; v < end; ++v) {
       const T3DVEC p = across_(msh_.vtx[v]);
       const auto x = static_cast<float>(p.x), y = static_cast<float>(p.y);
-      px_[v] = x;
-      py_[v] = y;
-      pz_[v] = static_cast<float>(p.z);
+      points_[v] = {x, y, static_cast<float>(p.z), 0.0f};
       box = {std::min(box.low_x, x), std::max(box.high_x, x), std::min(box.low_y, y),
              std::max(box.high_y, y)};
     }
@@ -242,9 +240,7 @@ bool CSweep::sum_Counts(uint32_t bins, uint64_t most, TBins& out) {
   return next <= most;
 }
 
-TFlatMesh CSweep::flat_Mesh() const {
-  return {px_.data(), py_.data(), pz_.data(), msh_.tri, least_};
-}
+TFlatMesh CSweep::flat_Mesh() const { return {points_.data(), msh_.tri, least_}; }
 
 // The tiles under a triangle's own box.
 void CSweep::span_Shadow(uint32_t t) {

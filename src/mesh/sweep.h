@@ -89,18 +89,18 @@ class CSweep {
   T3DVEC direction_ = {};
   TAcross across_ = {};
   TTiles tiles_ = {};
-  double tile_ = 0;               // side of a tile
-  float beyond_ = 0;              // how far from them a ray may start
-  float least_ = 0;               // see TFlatMesh
-  uint32_t parts_ = 1;            // of triangles or rays, binned beside one another
-  bool asks_tree_ = false;        // for crowded bins
-  CScratch<float> px_, py_, pz_;  // the vertices
-  CScratch<TSpan> spans_;         // of the triangles
-  TBins triangles_;               // one bin a tile
-  CScratch<float> x_, y_, z_;     // where the rays start
-  CScratch<uint32_t> spot_of_;    // of the rays
-  TBins rays_;                    // one bin a spot
-  CScratch<uint32_t> counts_;     // of each part in each bin
+  double tile_ = 0;             // side of a tile
+  float beyond_ = 0;            // how far from them a ray may start
+  float least_ = 0;             // see TFlatMesh
+  uint32_t parts_ = 1;          // of triangles or rays, binned beside one another
+  bool asks_tree_ = false;      // for crowded bins
+  CScratch<TFlatVec> points_;   // the vertices
+  CScratch<TSpan> spans_;       // of the triangles
+  TBins triangles_;             // one bin a tile
+  CScratch<float> x_, y_, z_;   // where the rays start
+  CScratch<uint32_t> spot_of_;  // of the rays
+  TBins rays_;                  // one bin a spot
+  CScratch<uint32_t> counts_;   // of each part in each bin
 };
 
 }  // namespace undercut

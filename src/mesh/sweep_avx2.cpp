@@ -43,18 +43,32 @@ struct TFlat8 {
   return _mm256_mask_i32gather_pd(_mm256_setzero_pd(), from, at, all, 8);
 }
 
-[[gnu::always_inline]] inline TFlat8 get_Flat(const TFlatMesh& mesh, __m256i ids) {
-  const auto* corners = reinterpret_cast<const int*>(mesh.tri);
-  const __m256i first = _mm256_add_epi32(ids, _mm256_add_epi32(ids, ids));
-  const __m256i a = _mm256_i32gather_epi32(corners, first, 4);
-  const __m256i b = _mm256_i32gather_epi32(corners + 1, first, 4);
-  const __m256i c = _mm256_i32gather_epi32(corners + 2, first, 4);
+// Corner k of eight triangles.
+struct TCorner8 {
+  V x, y, z;
+};
+
+template <uint32_t T3DTRI::*kCorner>
+[[gnu::always_inline]] inline TCorner8 get_Corner(const TFlatMesh& mesh, const uint32_t* ids) {
+  V pair[4];  // of triangles k and k + 4
+  for (uint32_t k = 0; k < 4; ++k) {
+    const __m128 low = _mm_load_ps(&mesh.vtx[mesh.tri[ids[k]].*kCorner].x);
+    const __m128 high = _mm_load_ps(&mesh.vtx[mesh.tri[ids[k + 4]].*kCorner].x);
+    pair[k] = _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1);
+  }
+  const V xy = _mm256_unpacklo_ps(pair[0], pair[1]), xy_next = _mm256_unpacklo_ps(pair[2], pair[3]);
+  const V z = _mm256_unpackhi_ps(pair[0], pair[1]), z_next = _mm256_unpackhi_ps(pair[2], pair[3]);
+  return {_mm256_shuffle_ps(xy, xy_next, 0x44), _mm256_shuffle_ps(xy, xy_next, 0xee),
+          _mm256_shuffle_ps(z, z_next, 0x44)};
+}
+
+[[gnu::always_inline]] inline TFlat8 get_Flat(const TFlatMesh& mesh, const uint32_t* ids) {
+  const TCorner8 a = get_Corner<&T3DTRI::a>(mesh, ids), b = get_Corner<&T3DTRI::b>(mesh, ids);
+  const TCorner8 c = get_Corner<&T3DTRI::c>(mesh, ids);
   TFlat8 f;
-  f.ax = gather(mesh.x, a), f.ay = gather(mesh.y, a), f.az = gather(mesh.z, a);
-  f.abx = sub(gather(mesh.x, b), f.ax), f.aby = sub(gather(mesh.y, b), f.ay);
-  f.abz = sub(gather(mesh.z, b), f.az);
-  f.cax = sub(f.ax, gather(mesh.x, c)), f.cay = sub(f.ay, gather(mesh.y, c));
-  f.caz = sub(f.az, gather(mesh.z, c));
+  f.ax = a.x, f.ay = a.y, f.az = a.z;
+  f.abx = sub(b.x, a.x), f.aby = sub(b.y, a.y), f.abz = sub(b.z, a.z);
+  f.cax = sub(a.x, c.x), f.cay = sub(a.y, c.y), f.caz = sub(a.z, c.z);
   f.nx = sub(mul(f.cay, f.abz), mul(f.caz, f.aby));
   f.ny = sub(mul(f.caz, f.abx), mul(f.cax, f.abz));
   f.nz = sub(mul(f.cax, f.aby), mul(f.cay, f.abx));
@@ -115,10 +129,9 @@ void flatten_Wide(const TFlatMesh& mesh, const uint32_t* ids, uint32_t count, co
                   TFlats& out) {
   for (uint32_t i = 0; i < count; i += kLanes8) {
     // The last group takes the last triangle again.
-    const __m256i last = _mm256_set1_epi32(static_cast<int>(count - i - 1));
-    const __m256i at = _mm256_min_epi32(_mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), last);
-    const __m256i list = _mm256_i32gather_epi32(reinterpret_cast<const int*>(ids + i), at, 4);
-    const TFlat8 f = get_Flat(mesh, list);
+    uint32_t group[kLanes8];
+    for (uint32_t k = 0; k < kLanes8; ++k) group[k] = ids[i + k < count ? i + k : count - 1];
+    const TFlat8 f = get_Flat(mesh, group);
     const V away = greater(size(sub(f.ax, fill(spot.x))), size(sub(f.ay, fill(spot.y))));
     const TBounds8 b = get_Bounds(f, mesh.least, add(away, fill(spot.reach)));
     const TRect8 r = get_Rect(f);
@@ -160,9 +173,9 @@ void flatten_Wide(const TFlatMesh& mesh, const uint32_t* ids, uint32_t count, co
 
 uint32_t span_Wide(const TFlatMesh& mesh, uint32_t first, uint32_t count, const TTiles& tiles,
                    TSpan* spans) {
-  const __m256i last = _mm256_set1_epi32(static_cast<int>(count - 1));
-  const __m256i at = _mm256_min_epi32(_mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7), last);
-  const TFlat8 f = get_Flat(mesh, _mm256_add_epi32(_mm256_set1_epi32(static_cast<int>(first)), at));
+  uint32_t ids[kLanes8];
+  for (uint32_t n = 0; n < kLanes8; ++n) ids[n] = first + (n < count ? n : count - 1);
+  const TFlat8 f = get_Flat(mesh, ids);
   const TRect8 r = get_Rect(f);
   const __m256i low_x = column(r.low_x, tiles), high_x = column(r.high_x, tiles);
   const __m256i low_y = row(r.low_y, tiles), high_y = row(r.high_y, tiles);
@@ -234,7 +247,7 @@ uint32_t place_Wide(const TFlatMesh& mesh, const TAcross& across, const TTiles& 
   _mm256_maskstore_ps(out.z, asked, z);
   _mm256_maskstore_epi32(reinterpret_cast<int*>(out.spot), asked, spots(x, y, tiles));
 
-  const TFlat8 f = get_Flat(mesh, _mm256_i32gather_epi32(reinterpret_cast<const int*>(own), at, 4));
+  const TFlat8 f = get_Flat(mesh, own);
   const V qx = sub(x, f.ax), qy = sub(y, f.ay), qz = sub(z, f.az);
   const TBounds8 b = get_Bounds(f, mesh.least, greater(size(qx), size(qy)));
   const V ab = sub(mul(f.abx, qy), mul(f.aby, qx)), ca = sub(mul(f.cax, qy), mul(f.cay, qx));

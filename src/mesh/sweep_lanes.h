@@ -15,9 +15,14 @@ inline constexpr uint32_t kLanes8 = 8;
 inline constexpr uint32_t kMostFlats = 256;
 inline constexpr uint32_t kMostIndex = 1u << 28;  // of lanes that count in int32_t
 
+// A vertex in the coordinates of a sweep: with a number to fill it up, it is read at once.
+struct alignas(16) TFlatVec {
+  float x, y, z, none;
+};
+
 // A mesh in the coordinates of a sweep.
 struct TFlatMesh {
-  const float *x, *y, *z;  // of the vertices
+  const TFlatVec* vtx;
   const T3DTRI* tri;
   float least;  // twice the area that a triangle must have across the direction not to be thin
 };
@@ -90,6 +95,7 @@ struct TPlaced {
   float *x, *y, *z;
   uint32_t* spot;
 };
+// `own` has eight entries, whatever the count.
 uint32_t place_Rays(const TFlatMesh& mesh, const TAcross& across, const TTiles& tiles,
                     const T3DVEC* orgs, const uint32_t* starts, const uint32_t* own, uint32_t count,
                     const TPlaced& out);

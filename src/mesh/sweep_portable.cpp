@@ -22,9 +22,10 @@ float max_Abs(float a, float b) { return std::max(std::fabs(a), std::fabs(b)); }
 TFlat get_Flat(const TFlatMesh& mesh, uint32_t id) {
   const T3DTRI& t = mesh.tri[id];
   TFlat f;
-  f.ax = mesh.x[t.a], f.ay = mesh.y[t.a], f.az = mesh.z[t.a];
-  f.abx = mesh.x[t.b] - f.ax, f.aby = mesh.y[t.b] - f.ay, f.abz = mesh.z[t.b] - f.az;
-  f.cax = f.ax - mesh.x[t.c], f.cay = f.ay - mesh.y[t.c], f.caz = f.az - mesh.z[t.c];
+  const TFlatVec &a = mesh.vtx[t.a], &b = mesh.vtx[t.b], &c = mesh.vtx[t.c];
+  f.ax = a.x, f.ay = a.y, f.az = a.z;
+  f.abx = b.x - a.x, f.aby = b.y - a.y, f.abz = b.z - a.z;
+  f.cax = a.x - c.x, f.cay = a.y - c.y, f.caz = a.z - c.z;
   f.nx = f.cay * f.abz - f.caz * f.aby;
   f.ny = f.caz * f.abx - f.cax * f.abz;
   f.nz = f.cax * f.aby - f.cay * f.abx;

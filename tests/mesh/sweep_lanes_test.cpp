@@ -31,6 +31,7 @@ struct TPlacedRays {
       : x(ids.size()), y(x), z(x), spot(ids.size()) {
     std::vector<uint32_t> own;
     for (const uint32_t id : ids) own.push_back(hostile.aims[id]);
+    own.resize(std::max<size_t>(own.size(), kLanes8));  // read as a whole
     hits = form.lanes->place_Rays(placed.mesh(), placed.across(), tiles, hostile.orgs.data(),
                                   ids.data(), own.data(), static_cast<uint32_t>(ids.size()),
                                   {x.data(), y.data(), z.data(), spot.data()});

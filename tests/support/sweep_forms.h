@@ -47,13 +47,15 @@ class CPlaced {
     const double away = most * len(across_.z);
     least_ = static_cast<float>(std::max(kThinLeast, kThinFar * away * away));
     is_bounded_ = most <= 0x1p17 * len(hostile.direction);
-    for (const T3DVEC& v : hostile.soup.vtx) add(across_(v), x_, y_, z_);
+    for (const T3DVEC& v : hostile.soup.vtx) {
+      const T3DVEC p = across_(v);
+      points_.push_back(
+          {static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z), 0});
+    }
     for (const T3DVEC& org : hostile.orgs) add(across_(org), ray_x_, ray_y_, ray_z_);
   }
 
-  TFlatMesh mesh() const {
-    return {x_.data(), y_.data(), z_.data(), hostile_.soup.tri.data(), least_};
-  }
+  TFlatMesh mesh() const { return {points_.data(), hostile_.soup.tri.data(), least_}; }
   const TAcross& across() const { return across_; }
   // The direction is kept by org + dir, which the bounds need.
   bool is_Bounded() const { return is_bounded_; }
@@ -120,7 +122,8 @@ class CPlaced {
   TAcross across_ = {};
   float least_ = 0;
   bool is_bounded_ = false;
-  std::vector<float> x_, y_, z_, ray_x_, ray_y_, ray_z_;
+  std::vector<TFlatVec> points_;
+  std::vector<float> ray_x_, ray_y_, ray_z_;
 };
 
 }  // namespace undercut::tests
