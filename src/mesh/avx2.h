@@ -27,8 +27,7 @@
 // clang-format on
 #define UNDERCUT_END_AVX2 _Pragma("clang attribute pop")
 #else
-#define UNDERCUT_BEGIN_AVX2 \
-  _Pragma("GCC push_options") _Pragma("GCC target(\"avx2,fma,popcnt\")")
+#define UNDERCUT_BEGIN_AVX2 _Pragma("GCC push_options") _Pragma("GCC target(\"avx2,fma,popcnt\")")
 #define UNDERCUT_END_AVX2 _Pragma("GCC pop_options")
 #endif
 
