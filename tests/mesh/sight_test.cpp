@@ -166,6 +166,27 @@ TEST(Sight, EqualsALoopOverAllTriangles_ForAnyNumberOfThreads) {
   omp_set_num_threads(threads_before);
 }
 
+// Large enough for several threads to sort and answer parts of it.
+TEST(Sight, OfALargeMesh_EqualsSingleRays_ForAnyNumberOfThreads) {
+  TSoup soup = tilt(make_Bumpy(80, 80));
+  const T3DVEC d = {0.3, -0.2, 0.5};
+  C3DTriAABBTree tree;
+  ASSERT_TRUE(tree.BuildRays(soup.msh()));
+  std::vector<uint8_t> single;
+  for (uint32_t t = 0; t < soup.tri.size(); ++t) {
+    const T3DFAC f = get_Fac(soup.msh(), t);
+    const T3DVEC org = cen_Tri(f) + kLift * nml_Tri(f);
+    single.push_back((tree.AnyHit({org, d}) ? 0 : kSeesAhead) |
+                     (tree.AnyHit({org, -d}) ? 0 : kSeesBehind));
+  }
+  const int threads_before = omp_get_max_threads();
+  for (const int threads : {1, 2, 5, 16}) {
+    omp_set_num_threads(threads);
+    EXPECT_EQ(look(soup, d, Ways::kBoth), single) << threads;
+  }
+  omp_set_num_threads(threads_before);
+}
+
 TEST(Sight, OfTrianglesAtInfinity_DisturbsNoOther) {
   TSoup soup = make_Floors();
   soup.vtx.insert(soup.vtx.end(), {{90, 90, 0}, {91, 90, 0}, {INFINITY, 95, 5}, {NAN, NAN, NAN}});
