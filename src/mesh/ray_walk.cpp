@@ -8,19 +8,18 @@
 
 namespace undercut {
 
-namespace {
-
-// A node leaves all children but one behind; eight are written at a time.
-constexpr uint32_t kMostPending = (kMostRayLevels + 1) * TRayNode::kChildren;
-
-// The triangle first: nearly every box that comes this far would pass.
-[[gnu::noinline]] bool hit_Own(const T3DRAY& ray, const T3DMSH& msh, uint32_t triangle) {
+bool hit_Own(const T3DRAY& ray, const T3DMSH& msh, uint32_t triangle) {
   const T3DFAC f = get_Fac(msh, triangle);
   if (!hit_Tri(ray, f)) return false;
   C3DAABB box;
   box.from_Tri(f);
   return hit_Box(ray, box);
 }
+
+namespace {
+
+// A node leaves all children but one behind; eight are written at a time.
+constexpr uint32_t kMostPending = (kMostRayLevels + 1) * TRayNode::kChildren;
 
 }  // namespace
 

@@ -27,4 +27,8 @@ struct TRayWay {
 bool walk_Rays(const TRayParts& parts, const T3DMSH& msh, const TRayWay& way);
 bool walk_Portable(const TRayParts& parts, const T3DMSH& msh, const TRayWay& way);
 
+// Whether the triangle passes hit_Tri and hit_Box with its own box: what decides where bounds
+// don't. The triangle first: nearly every box that comes this far would pass.
+[[gnu::noinline]] bool hit_Own(const T3DRAY& ray, const T3DMSH& msh, uint32_t triangle);
+
 }  // namespace undercut

@@ -1,22 +1,8 @@
 // Eight segments or boxes at a time against a point.
 #include <algorithm>
 
+#include "mesh/avx2.h"
 #include "mesh/segment_search.h"
-
-// AVX2 is chosen at run time. The sanitizers run the plain form.
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__SANITIZE_ADDRESS__) && \
-    !defined(__SANITIZE_THREAD__)
-#define UNDERCUT_AVX2 1
-#endif
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#undef UNDERCUT_AVX2
-#endif
-#endif
-
-#ifdef UNDERCUT_AVX2
-#include <immintrin.h>
-#endif
 
 namespace undercut {
 
@@ -51,7 +37,7 @@ uint32_t reach_BoxesPlain(const TBoxBlock& boxes, const T2DVEC& p, double limit,
 namespace {
 
 // Leaves on purpose: what they called would have to be compiled for the same processor. No product
-// is fused with a sum, which the target does not allow for.
+// is fused with a sum: this target has no such instruction.
 [[gnu::target("avx2")]] double near_Avx2(const TSgmBlock& block, const T2DVEC& p) {
   const __m256d px = _mm256_set1_pd(p.x), py = _mm256_set1_pd(p.y);
   __m256d nearest = _mm256_set1_pd(kAbsent);
@@ -95,17 +81,15 @@ namespace {
   return reached;
 }
 
-const bool kHasAvx2 = __builtin_cpu_supports("avx2");
-
 }  // namespace
 
 double near_Block(const TSgmBlock& block, const T2DVEC& p) {
-  return kHasAvx2 ? near_Avx2(block, p) : near_BlockPlain(block, p);
+  return has_Avx2() ? near_Avx2(block, p) : near_BlockPlain(block, p);
 }
 
 uint32_t reach_Boxes(const TBoxBlock& boxes, const T2DVEC& p, double limit, double* squares) {
-  return kHasAvx2 ? reach_Avx2(boxes, p, limit, squares)
-                  : reach_BoxesPlain(boxes, p, limit, squares);
+  return has_Avx2() ? reach_Avx2(boxes, p, limit, squares)
+                    : reach_BoxesPlain(boxes, p, limit, squares);
 }
 
 #else

@@ -49,6 +49,7 @@
 #include <utility>
 
 #include "foundation/parallel.h"
+#include "mesh/ray_walk.h"
 #include "mesh/sweep_bounds.h"
 
 namespace undercut {
@@ -89,6 +90,12 @@ T3DVEC lesser(const T3DVEC& a, const T3DVEC& b) {
 }
 T3DVEC greater(const T3DVEC& a, const T3DVEC& b) {
   return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
+}
+
+// What a tile costs more than the tree would, in siftings of a triangle.
+int64_t find_Excess(int64_t rays, int64_t triangles) {
+  const int64_t groups = (rays + kLanes8 - 1) / kLanes8;
+  return groups * triangles - kRayByTree * rays;
 }
 
 // Even bins hold rays along the direction, odd ones those against it.
@@ -322,19 +329,15 @@ void CSweep::bin_Rays(const TSweepRays& rays) {
 
 // Whether the rays of a bin would cost less in the tree.
 bool CSweep::is_Crowded(uint32_t bin) const {
-  const uint64_t rays = count_Rays(bin), groups = (rays + kLanes8 - 1) / kLanes8;
-  return groups * triangles_.count(bin / 2) > kRayByTree * rays;
+  return find_Excess(count_Rays(bin), triangles_.count(bin / 2)) > 0;
 }
 
 // Whether the crowded bins are worth the tree.
 bool CSweep::prefers_Tree() const {
-  uint64_t excess = 0;
-  for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin) {
-    if (!is_Crowded(bin)) continue;
-    const uint64_t rays = count_Rays(bin), groups = (rays + kLanes8 - 1) / kLanes8;
-    excess += groups * triangles_.count(bin / 2) - kRayByTree * rays;
-  }
-  return excess > (tree_->has_Rays() ? 0 : uint64_t{kTreeByTriangle} * msh_.n_tri);
+  int64_t excess = 0;
+  for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin)
+    excess += std::max(int64_t{0}, find_Excess(count_Rays(bin), triangles_.count(bin / 2)));
+  return excess > (tree_->has_Rays() ? 0 : int64_t{kTreeByTriangle} * msh_.n_tri);
 }
 
 void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
@@ -346,12 +349,7 @@ void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
 }
 
 bool CSweep::is_Hit(const T3DVEC& org, uint32_t bin, uint32_t t) const {
-  const T3DRAY ray = {org, bin % 2 == 0 ? direction_ : -direction_};
-  const T3DFAC f = get_Fac(msh_, t);
-  if (!hit_Tri(ray, f)) return false;
-  C3DAABB own;
-  own.from_Tri(f);
-  return hit_Box(ray, own);
+  return hit_Own({org, bin % 2 == 0 ? direction_ : -direction_}, msh_, t);
 }
 
 // Of a thin triangle nothing is known but that a ray must come to its own box.

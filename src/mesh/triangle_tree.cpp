@@ -13,6 +13,18 @@ bool has_Corners(const T3DTRI& t, uint32_t n_vtx) {
 
 void append(TLst<uint32_t>& lst, uint32_t id) { lst.data[lst.count++] = id; }
 
+// False, and an empty tree, without memory.
+template <typename Make>
+bool make_OrClear(C3DTriAABBTree& tree, Make make) {
+  try {
+    make();
+  } catch (const std::bad_alloc&) {
+    tree.Clear();
+    return false;
+  }
+  return true;
+}
+
 // Appends all of a node inside the volume, and elsewhere each triangle that reaches into it.
 template <typename Judge, typename Test>
 void collect(const TBoxTree<C3DAABB>& tree, TLst<uint32_t>& lst, Judge judge, Test test) {
@@ -40,25 +52,11 @@ bool C3DTriAABBTree::Prepare(const T3DMSH& msh) {
 }
 
 bool C3DTriAABBTree::Build(const T3DMSH& msh) {
-  if (!Prepare(msh)) return false;
-  try {
-    tree();
-  } catch (const std::bad_alloc&) {
-    Clear();
-    return false;
-  }
-  return true;
+  return Prepare(msh) && make_OrClear(*this, [&] { tree(); });
 }
 
 bool C3DTriAABBTree::BuildRays(const T3DMSH& msh) {
-  if (!Prepare(msh)) return false;
-  try {
-    BuildRays();
-  } catch (const std::bad_alloc&) {
-    Clear();
-    return false;
-  }
-  return true;
+  return Prepare(msh) && make_OrClear(*this, [&] { BuildRays(); });
 }
 
 void C3DTriAABBTree::BuildRays() const {
