@@ -10,6 +10,7 @@
 
 #include "tests/reference/random_geometry.h"
 #include "tests/support/allocations.h"
+#include "tests/support/flat_polyline.h"
 #include "tests/support/intensity.h"
 
 using namespace undercut;
@@ -17,20 +18,6 @@ using namespace undercut::tests;
 using reference::Random;
 
 namespace {
-
-struct TSegments {
-  std::vector<T2DVEC> points;
-  std::vector<T3DSGM> segments;
-
-  T2DPOL view() {
-    T2DPOL pol = {};
-    pol.pnt = points.data();
-    pol.n_pnt = static_cast<uint32_t>(points.size());
-    pol.sgm = segments.data();
-    pol.n_sgm = static_cast<uint32_t>(segments.size());
-    return pol;
-  }
-};
 
 // The hostile kinds: on a lattice, where distances tie; of no length; of one place; far from the
 // origin; long and short at once; so small that squares underflow.
@@ -57,8 +44,8 @@ T2DVEC make_Point(Random& random, uint32_t kind) {
 }
 constexpr uint32_t kKinds = 8;
 
-TSegments make_Segments(Random& random, uint32_t kind, uint32_t count) {
-  TSegments pol;
+TFlatPolyline make_Segments(Random& random, uint32_t kind, uint32_t count) {
+  TFlatPolyline pol;
   for (uint32_t i = 0; i <= count; ++i) pol.points.push_back(make_Point(random, kind));
   for (uint32_t i = 0; i < count; ++i)
     pol.segments.push_back({i, random.chance(0.8) ? i + 1 : uint32_t(random.below(count))});
@@ -73,7 +60,7 @@ TEST(SegmentSearch, EqualsAWalkAlongAllSegments) {
     Random random(seed);
     const uint32_t kind = seed % kKinds;
     const auto count = static_cast<uint32_t>(1 + std::pow(10.0, random.real(0, 3)));
-    TSegments pol = make_Segments(random, kind, count);
+    TFlatPolyline pol = make_Segments(random, kind, count);
     C2DSgmSearch search;
     ASSERT_TRUE(search.Build(pol.view()));
     uint32_t near = 0;
@@ -90,7 +77,7 @@ TEST(SegmentSearch, EqualsAWalk_ForWhatIsHugeOrNoNumber) {
   for (uint32_t seed = 0; seed < scale_Cases(100); ++seed) {
     SCOPED_TRACE(testing::Message() << "seed " << seed);
     Random random(seed);
-    TSegments pol = make_Segments(random, kKinds, 40);
+    TFlatPolyline pol = make_Segments(random, kKinds, 40);
     if (seed % 2) pol.points[random.below(40)].y = random.special();
     C2DSgmSearch search;
     ASSERT_TRUE(search.Build(pol.view()));
@@ -105,7 +92,7 @@ TEST(SegmentSearch, EqualsAWalk_ForWhatIsHugeOrNoNumber) {
 // Outlines, where most of the boxes are passed over.
 TEST(SegmentSearch, EqualsAWalk_RoundALongOutline) {
   Random random(7);
-  TSegments pol;
+  TFlatPolyline pol;
   const uint32_t count = 5000;
   for (uint32_t i = 0; i < count; ++i) {
     const double angle = 6.283185307179586 * i / count;
@@ -127,7 +114,7 @@ TEST(SegmentSearch, OfNothing_FindsNothing) {
   uint32_t near = 0;
   EXPECT_EQ(search.Nearest({1, 2}, near), kAbsent);
   Random random(1);
-  TSegments pol = make_Segments(random, kKinds, 20);
+  TFlatPolyline pol = make_Segments(random, kKinds, 20);
   ASSERT_TRUE(search.Build(pol.view()));
   search.Clear();
   EXPECT_EQ(search.Nearest({1, 2}, near), kAbsent);
@@ -135,7 +122,7 @@ TEST(SegmentSearch, OfNothing_FindsNothing) {
 
 TEST(SegmentSearch, Build_FailsAndLeavesItEmpty_WithoutArraysOrCounts) {
   Random random(2);
-  TSegments pol = make_Segments(random, kKinds, 20);
+  TFlatPolyline pol = make_Segments(random, kKinds, 20);
   for (int missing = 0; missing < 5; ++missing) {
     C2DSgmSearch search;
     ASSERT_TRUE(search.Build(pol.view()));
@@ -153,7 +140,7 @@ TEST(SegmentSearch, Build_FailsAndLeavesItEmpty_WithoutArraysOrCounts) {
 
 TEST(SegmentSearch, Build_FailsAndLeavesItEmpty_WhereverMemoryRunsOut) {
   Random random(3);
-  TSegments pol = make_Segments(random, kKinds, 200);
+  TFlatPolyline pol = make_Segments(random, kKinds, 200);
   const std::vector<int32_t> codes = list_FailureCodes([&] {
     C2DSgmSearch search;
     if (search.Build(pol.view())) return 1;

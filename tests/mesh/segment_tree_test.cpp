@@ -3,38 +3,26 @@
 #include "mesh/trees.h"
 #include "tests/mesh/tree_shapes.h"
 #include "tests/support/allocations.h"
+#include "tests/support/flat_polyline.h"
 #include "tests/support/intensity.h"
 
 using namespace undercut;
 using reference::Random;
 using shapes::Answers;
 using undercut::tests::scale_Cases;
+using undercut::tests::TFlatPolyline;
 
 namespace {
 
-struct Polyline {
-  std::vector<T2DVEC> points;
-  std::vector<T3DSGM> segments;
-
-  T2DPOL view() {
-    T2DPOL pol = {};
-    pol.pnt = points.data();
-    pol.n_pnt = static_cast<uint32_t>(points.size());
-    pol.sgm = segments.data();
-    pol.n_sgm = static_cast<uint32_t>(segments.size());
-    return pol;
-  }
-};
-
-Polyline make_Loop(const std::vector<T2DVEC>& points) {
-  Polyline pol{points, {}};
+TFlatPolyline make_Loop(const std::vector<T2DVEC>& points) {
+  TFlatPolyline pol{points, {}};
   const auto count = static_cast<uint32_t>(points.size());
   for (uint32_t i = 0; i < count; ++i) pol.segments.push_back({i, (i + 1) % count});
   return pol;
 }
 
 // The outline of a square, of 4 sides of as many segments each.
-Polyline make_Square(uint32_t side) {
+TFlatPolyline make_Square(uint32_t side) {
   std::vector<T2DVEC> points;
   for (uint32_t i = 0; i < side; ++i) points.push_back({1.0 * i, 0});
   for (uint32_t i = 0; i < side; ++i) points.push_back({1.0 * side, 1.0 * i});
@@ -43,16 +31,16 @@ Polyline make_Square(uint32_t side) {
   return make_Loop(points);
 }
 
-Polyline make_Random(Random& random, uint32_t count) {
-  Polyline pol;
+TFlatPolyline make_Random(Random& random, uint32_t count) {
+  TFlatPolyline pol;
   for (uint32_t i = 0; i < count; ++i) pol.points.push_back(random.pair(-5, 5));
   for (uint32_t i = 0; i < count; ++i)
     pol.segments.push_back({static_cast<uint32_t>(random.below(count)), i});
   return pol;
 }
 
-Polyline make_Coincident(uint32_t count) {
-  Polyline pol{{{0, 0}, {1, 2}}, {}};
+TFlatPolyline make_Coincident(uint32_t count) {
+  TFlatPolyline pol{{{0, 0}, {1, 2}}, {}};
   for (uint32_t i = 0; i < count; ++i) pol.segments.push_back({i % 2, (i + 1) % 2});
   return pol;
 }
@@ -63,13 +51,13 @@ std::vector<uint32_t> on_Circle(const C2DSgmAABBTree& tree, const C2DCIRC& circl
   return answers.ids();
 }
 
-double distance(Polyline& pol, uint32_t s, const T2DVEC& p) {
+double distance(TFlatPolyline& pol, uint32_t s, const T2DVEC& p) {
   return dst_Seg2(p, pol.points[pol.segments[s].a], pol.points[pol.segments[s].b]);
 }
 
 TEST(SegmentTree, Build_FailsAndLeavesItEmpty_WithoutArraysOrCounts) {
   for (int missing = 0; missing < 4; ++missing) {
-    Polyline pol = make_Square(4);
+    TFlatPolyline pol = make_Square(4);
     C2DSgmAABBTree tree;
     ASSERT_TRUE(tree.Build(pol.view()));
     T2DPOL view = pol.view();
@@ -84,7 +72,7 @@ TEST(SegmentTree, Build_FailsAndLeavesItEmpty_WithoutArraysOrCounts) {
 }
 
 TEST(SegmentTree, Build_Fails_OnAPointIndexOutOfRange) {
-  Polyline pol = make_Square(4);
+  TFlatPolyline pol = make_Square(4);
   pol.segments[9].b = 16;
   C2DSgmAABBTree tree;
   EXPECT_FALSE(tree.Build(pol.view()));
@@ -92,7 +80,7 @@ TEST(SegmentTree, Build_Fails_OnAPointIndexOutOfRange) {
 }
 
 TEST(SegmentTree, Build_FailsAndLeavesItEmpty_WhereverMemoryRunsOut) {
-  Polyline pol = make_Square(10);
+  TFlatPolyline pol = make_Square(10);
   const std::vector<int32_t> codes = tests::list_FailureCodes([&] {
     C2DSgmAABBTree tree;
     if (tree.Build(pol.view())) return 1;
@@ -102,7 +90,7 @@ TEST(SegmentTree, Build_FailsAndLeavesItEmpty_WhereverMemoryRunsOut) {
 }
 
 TEST(SegmentTree, SplitsASquareOnX) {
-  Polyline pol = make_Square(4);
+  TFlatPolyline pol = make_Square(4);
   C2DSgmAABBTree tree;
   ASSERT_TRUE(tree.Build(pol.view()));
   const auto& nodes = tree.tree().nodes;
@@ -114,7 +102,8 @@ TEST(SegmentTree, SplitsASquareOnX) {
 TEST(SegmentTree, EqualsThePlainBuild) {
   Random random(30);
   for (const uint32_t count : {1u, 10u, 11u, 40u, 300u, 1000u}) {
-    for (Polyline pol : {make_Square(count), make_Random(random, count), make_Coincident(count)}) {
+    for (TFlatPolyline pol :
+         {make_Square(count), make_Random(random, count), make_Coincident(count)}) {
       C2DSgmAABBTree tree;
       ASSERT_TRUE(tree.Build(pol.view()));
       std::vector<C2DAABB> boxes(pol.segments.size());
@@ -132,7 +121,7 @@ TEST(SegmentTree, EqualsThePlainBuild) {
 TEST(SegmentTree, QueryCircle_FindsWhatALoopFinds_InItemOrder) {
   Random random(31);
   for (uint32_t round = 0; round < scale_Cases(100); ++round) {
-    Polyline pol = round % 2 ? make_Square(30) : make_Random(random, 150);
+    TFlatPolyline pol = round % 2 ? make_Square(30) : make_Random(random, 150);
     C2DSgmAABBTree tree;
     ASSERT_TRUE(tree.Build(pol.view()));
     for (int k = 0; k < 10; ++k) {
@@ -146,7 +135,7 @@ TEST(SegmentTree, QueryCircle_FindsWhatALoopFinds_InItemOrder) {
 }
 
 TEST(SegmentTree, QueryCircle_CountsTouchingAsReaching) {
-  Polyline pol = make_Loop({{0, 3}, {4, 3}});
+  TFlatPolyline pol = make_Loop({{0, 3}, {4, 3}});
   C2DSgmAABBTree tree;
   ASSERT_TRUE(tree.Build(pol.view()));
   EXPECT_EQ(on_Circle(tree, {{2, 0}, 3}).size(), 2u);
@@ -156,7 +145,7 @@ TEST(SegmentTree, QueryCircle_CountsTouchingAsReaching) {
 TEST(SegmentTree, QueryCircle_TestsSegmentsOfABoxInsideAllTheSame) {
   // The circle's test of points knows no scale, so a box may pass as inside a circle without
   // radius; its segments, tested one by one, do not reach it.
-  Polyline pol = make_Loop({{0, 0}, {4, 0}, {4, 4}});
+  TFlatPolyline pol = make_Loop({{0, 0}, {4, 0}, {4, 4}});
   C2DSgmAABBTree tree;
   ASSERT_TRUE(tree.Build(pol.view()));
   const C2DCIRC circle = {{1, 3}, 0};
@@ -166,7 +155,7 @@ TEST(SegmentTree, QueryCircle_TestsSegmentsOfABoxInsideAllTheSame) {
 
 TEST(SegmentTree, Nearest_IsTheSmallestDistanceWithinTheCircle) {
   Random random(32);
-  Polyline pol = make_Random(random, 100);
+  TFlatPolyline pol = make_Random(random, 100);
   C2DSgmAABBTree tree;
   ASSERT_TRUE(tree.Build(pol.view()));
   Answers scratch(100);
@@ -185,7 +174,7 @@ TEST(SegmentTree, Nearest_IsAbsent_OnAnEmptyTree) {
 
 TEST(SegmentTree, HoldsPointsThatAreNotNumbers) {
   Random random(33);
-  Polyline pol = make_Random(random, 100);
+  TFlatPolyline pol = make_Random(random, 100);
   for (T2DVEC& p : pol.points)
     if (random.chance(0.2)) p.x = random.special();
   C2DSgmAABBTree tree;
