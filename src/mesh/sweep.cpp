@@ -56,12 +56,17 @@ namespace undercut {
 
 namespace {
 
-constexpr double kPerTile = 64.0;         // triangles, on average
+constexpr double kPerTile = 96.0;         // triangles, on average
 constexpr double kPerRow = 16.0;          // triangles in a tile of a row, at least
 constexpr uint32_t kMostParts = 16;       // binned beside one another
 constexpr uint32_t kPerPart = 4096;       // triangles and rays, at least
 constexpr uint32_t kMostEntries = 32;     // tiles of a triangle, on average
 constexpr uint32_t kChunk = 32;           // triangles sifted at a time
+constexpr uint32_t kSamples = 4096;       // triangles that are measured
+constexpr double kTileBySide = 2.0;       // a tile's side, in those of rectangles of triangles
+constexpr uint32_t kFewFlats = 64;        // of a tile that is never answered by depth
+constexpr int64_t kDeepShare = 8;         // of them one triangle is sifted
+constexpr double kManyLayers = 24.0;      // of a tile that is answered by depth
 constexpr uint32_t kBlock = 16;           // tiles
 constexpr uint32_t kFewParts = 2;         // of so much work that even two pay for threads
 constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
@@ -92,10 +97,16 @@ T3DVEC greater(const T3DVEC& a, const T3DVEC& b) {
   return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
 }
 
-// What a tile costs more than the tree would, in siftings of a triangle.
-int64_t find_Excess(int64_t rays, int64_t triangles) {
-  const int64_t groups = (rays + kLanes8 - 1) / kLanes8;
-  return groups * triangles - kRayByTree * rays;
+// What a tile costs more than the tree would, in siftings of a triangle. Where it is answered by
+// depth only a part of the triangles is sifted.
+int64_t find_Excess(int64_t rays, int64_t triangles, bool is_deep) {
+  const int64_t groups = (rays + kGroup - 1) / kGroup;
+  return groups * triangles / (is_deep ? kDeepShare : 1) - kRayByTree * rays;
+}
+
+const TSweepLanes* fastest_Lanes() {
+  if (avx512_Lanes()) return avx512_Lanes();
+  return avx2_Lanes() ? avx2_Lanes() : &kPortableLanes;
 }
 
 // Even bins hold rays along the direction, odd ones those against it.
@@ -104,9 +115,18 @@ void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~wa
 
 }  // namespace
 
+// A tile and some of its triangles.
+struct CSweep::TTile {
+  explicit TTile(uint32_t tile) : number(tile) {}
+
+  uint32_t number;
+  uint32_t from = UINT32_MAX, count = 0;  // in the bin
+  TFlats flats;
+};
+
 bool CSweep::ini_Msh(const C3DTriAABBTree& tree, const TSweepLanes* lanes) {
   tree_ = &tree;
-  lanes_ = lanes ? lanes : avx2_Lanes() ? avx2_Lanes() : &kPortableLanes;
+  lanes_ = lanes ? lanes : fastest_Lanes();
   msh_ = tree.mesh();
   box_.reset();
   if (tree.has_Excluded() || std::max(msh_.n_tri, msh_.n_vtx) > kMostIndex) return false;
@@ -122,9 +142,8 @@ bool CSweep::clear_Hit(const T3DVEC& direction, const TSweepRays& rays) {
   // Small meshes would wait for threads longer than they work.
   const uint32_t worth = 1 + (msh_.n_tri + rays.count) / kPerPart;
   parts_ = std::min({kMostParts, worth, static_cast<uint32_t>(omp_get_max_threads())});
-  lay_Tiles(place_Mesh(), shadow(rays.box));
-  if (!bin_Triangles()) return false;
-  bin_Rays(rays);
+  lay_Tiles(place_Mesh());
+  if (!bin_Triangles() || !bin_Rays(rays)) return false;
   asks_tree_ = prefers_Tree();
   if (asks_tree_) tree_->BuildRays();
 
@@ -204,47 +223,60 @@ CSweep::TFlatBox CSweep::place_Mesh() {
   return boxes[0];
 }
 
-// As many triangles in a tile as pay best, if they were spread evenly. A mesh that lies nearly
-// edge-on gets a row of tiles. Rays may start beyond them, over the outermost ones.
-void CSweep::lay_Tiles(const TFlatBox& box, const TFlatBox& starts) {
+// Means over some of the triangles, evenly spread in their list.
+void CSweep::sample_Mesh(double& side, double& area) const {
+  const uint32_t step = 1 + msh_.n_tri / kSamples;
+  uint32_t count = 0;
+  side = area = 0;
+  for (uint32_t t = 0; t < msh_.n_tri; t += step, ++count) {
+    const TFlatVec &a = points_[msh_.tri[t].a], &b = points_[msh_.tri[t].b];
+    const TFlatVec& c = points_[msh_.tri[t].c];
+    const auto [low_x, high_x] = std::minmax({a.x, b.x, c.x});
+    const auto [low_y, high_y] = std::minmax({a.y, b.y, c.y});
+    side += 0.5 * ((high_x - low_x) + (high_y - low_y));
+    area += 0.5 * std::fabs((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x));
+  }
+  side /= count;
+  area /= count;
+}
+
+// As many triangles in a tile as pay best, if they were spread evenly, but tiles larger than these.
+// A mesh that lies nearly edge-on gets a row of tiles.
+void CSweep::lay_Tiles(const TFlatBox& box) {
   const double width = box.high_x - box.low_x, height = box.high_y - box.low_y;
   const double n = msh_.n_tri;
+  double side, area;
+  sample_Mesh(side, area);
   tile_ = std::max(std::sqrt(width * height * kPerTile / n), 0x1p-14);
-  tile_ = std::max(tile_, (width + height) * kPerRow / n);
+  tile_ = std::max({tile_, (width + height) * kPerRow / n, kTileBySide * side});
+  deep_ = static_cast<uint32_t>(
+      std::min(kManyLayers * tile_ * tile_ / std::max(area, 1e-30), double{UINT32_MAX}));
+  deep_ = std::max(deep_, kFewFlats);
   tiles_.low_x = box.low_x;
   tiles_.low_y = box.low_y;
   tiles_.per_unit = static_cast<float>(1.0 / tile_);
   tiles_.columns = static_cast<uint32_t>(width / tile_) + 1;
   tiles_.rows = static_cast<uint32_t>(height / tile_) + 1;
-  beyond_ = std::max(std::max(box.low_x - starts.low_x, starts.high_x - box.high_x),
-                     std::max(box.low_y - starts.low_y, starts.high_y - box.high_y));
-  beyond_ = std::max(0.0f, beyond_);  // no ray: no number
 }
 
-// body(first, count, row) for each eight entries; each part has a row of counts_, with a value for
-// each bin.
+// body(first, count, row) for each group of entries, to count them.
 template <typename Body>
-void CSweep::each_Eight(uint32_t count, uint32_t bins, bool clear, Body body) {
-  counts_.resize(size_t{parts_} * bins);
-  each_Part((count + kLanes8 - 1) / kLanes8, [&](uint32_t part, uint32_t first, uint32_t end) {
-    uint32_t* row = counts_.data() + size_t{part} * bins;
-    if (clear) std::fill_n(row, bins, 0u);
+void CSweep::count_Groups(uint32_t count, uint32_t bins, CBins& out, Body body) {
+  out.start(bins, parts_);
+  each_Part((count + kGroup - 1) / kGroup, [&](uint32_t part, uint32_t first, uint32_t end) {
+    CBins::CRow row = out.clear_Row(part);
     for (uint32_t k = first; k < end; ++k)
-      body(k * kLanes8, std::min(kLanes8, count - k * kLanes8), row);
+      body(k * kGroup, std::min(kGroup, count - k * kGroup), row);
   });
 }
 
-// Turns the counts into the places where each part puts its entries. False if there are too many.
-bool CSweep::sum_Counts(uint32_t bins, uint64_t most, TBins& out) {
-  out.begin.resize(size_t{bins} + 1);
-  uint64_t next = 0;
-  for (uint32_t bin = 0; bin < bins; ++bin) {
-    out.begin[bin] = static_cast<uint32_t>(next);
-    for (uint32_t part = 0; part < parts_; ++part)
-      next += std::exchange(counts_[size_t{part} * bins + bin], static_cast<uint32_t>(next));
-  }
-  out.begin[bins] = static_cast<uint32_t>(next);
-  return next <= most;
+// body(entry, row) for each of them, to put it.
+template <typename Body>
+void CSweep::put_Groups(uint32_t count, CBins& out, Body body) {
+  each_Part((count + kGroup - 1) / kGroup, [&](uint32_t part, uint32_t first, uint32_t end) {
+    CBins::CRow row = out.row(part);
+    for (uint32_t i = first * kGroup; i < std::min(end * kGroup, count); ++i) body(i, row);
+  });
 }
 
 TFlatMesh CSweep::flat_Mesh() const { return {points_.data(), msh_.tri, least_}; }
@@ -254,102 +286,108 @@ void CSweep::span_Shadow(uint32_t t) {
   C3DAABB own;
   own.from_Tri(get_Fac(msh_, t));
   const TFlatBox box = shadow(own);
-  spans_[t] = {static_cast<uint16_t>(tiles_.column(box.low_x)),
-               static_cast<uint16_t>(tiles_.column(box.high_x)),
-               static_cast<uint16_t>(tiles_.row(box.low_y)),
-               static_cast<uint16_t>(tiles_.row(box.high_y))};
+  columns_[t] = tiles_.column(box.low_x) | tiles_.column(box.high_x) << 16;
+  rows_[t] = tiles_.row(box.low_y) | tiles_.row(box.high_y) << 16;
 }
 
 bool CSweep::bin_Triangles() {
   const uint32_t tiles = tiles_.count();
   const TFlatMesh mesh = flat_Mesh();
-  spans_.resize(msh_.n_tri);
-  const auto each_Tile = [&](uint32_t t, auto visit) {
-    const TSpan& span = spans_[t];
-    for (uint32_t row = span.first_row; row <= span.last_row; ++row)
-      for (uint32_t column = span.first_column; column <= span.last_column; ++column)
-        visit(row * tiles_.columns + column);
+  columns_.resize(size_t{msh_.n_tri} + kGroup);
+  rows_.resize(size_t{msh_.n_tri} + kGroup);
+  // one(tile, more): most lie over one tile, or two or four, so these take no loops.
+  const auto each_Tile = [&](uint32_t t, auto sure, auto perhaps) {
+    const uint32_t column = columns_[t] & 0xffffu, row = rows_[t] & 0xffffu;
+    const uint32_t across = (columns_[t] >> 16) - column, down = (rows_[t] >> 16) - row;
+    const uint32_t tile = row * tiles_.columns + column;
+    if ((across | down) > 1) {
+      for (uint32_t k = 0; k <= down; ++k)
+        for (uint32_t i = 0; i <= across; ++i) sure(tile + k * tiles_.columns + i);
+      return;
+    }
+    sure(tile);
+    perhaps(across, tile + 1, 0);
+    perhaps(down, tile + tiles_.columns, 1);
+    perhaps(across & down, tile + tiles_.columns + 1, 2);
   };
-  each_Eight(msh_.n_tri, tiles, true, [&](uint32_t first, uint32_t count, uint32_t* counts) {
-    uint32_t thin = lanes_->find_Spans(mesh, first, count, tiles_, &spans_[first]);
-    for (; thin != 0; thin &= thin - 1)
-      span_Shadow(first + static_cast<uint32_t>(std::countr_zero(thin)));
-    for (uint32_t t = first; t < first + count; ++t)
-      each_Tile(t, [&](uint32_t tile) { ++counts[tile]; });
-  });
-  if (!sum_Counts(tiles, std::min(uint64_t{kMostEntries} * msh_.n_tri, uint64_t{UINT32_MAX}),
-                  triangles_))
-    return false;
-  triangles_.entries.resize(triangles_.begin[tiles]);
-  each_Eight(msh_.n_tri, tiles, false, [&](uint32_t first, uint32_t count, uint32_t* places) {
-    for (uint32_t t = first; t < first + count; ++t)
-      each_Tile(t, [&](uint32_t tile) { triangles_.entries[places[tile]++] = t; });
+  count_Groups(msh_.n_tri, tiles, triangles_,
+               [&](uint32_t first, uint32_t count, CBins::CRow& row) {
+                 uint32_t thin = lanes_->find_Spans(mesh, first, count, tiles_,
+                                                    {&columns_[first], &rows_[first]});
+                 for (; thin != 0; thin &= thin - 1)
+                   span_Shadow(first + static_cast<uint32_t>(std::countr_zero(thin)));
+                 for (uint32_t t = first; t < first + count; ++t)
+                   each_Tile(
+                       t, [&](uint32_t tile) { row.count(tile); },
+                       [&](uint32_t is, uint32_t tile, uint32_t spare) {
+                         row.count_If(is, tile, spare);
+                       });
+               });
+  if (!triangles_.make_Room(uint64_t{kMostEntries} * msh_.n_tri)) return false;
+  put_Groups(msh_.n_tri, triangles_, [&](uint32_t t, CBins::CRow& row) {
+    each_Tile(
+        t, [&](uint32_t tile) { row.put(tile, t); },
+        [&](uint32_t is, uint32_t tile, uint32_t spare) { row.put_If(is, tile, spare, t); });
   });
   return true;
 }
 
 // A ray that leaves through its own triangle is hit by that, which is cheap to ask first. Counts
 // the rays that are left.
-void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, uint32_t* counts) {
-  uint32_t starts[kLanes8] = {}, own[kLanes8] = {};
-  for (uint32_t k = 0; k < count; ++k) {
-    starts[k] = rays.id(first + k);
+void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBins::CRow& row) {
+  uint32_t starts[kGroup], own[kGroup];
+  for (uint32_t k = 0; k < kGroup; ++k) {
+    starts[k] = rays.id(first + std::min(k, count - 1));
     own[k] = std::min(starts[k], msh_.n_tri - 1);
   }
-  const TFlatMesh mesh = flat_Mesh();
-  const TPlaced out = {&x_[first], &y_[first], &z_[first], &spot_of_[first]};
+  const TPlaced out = {&x_[first], &y_[first], &z_[first], &tile_of_[first]};
   const uint32_t hits =
-      lanes_->place_Rays(mesh, across_, tiles_, rays.orgs, starts, own, count, out);
+      lanes_->place_Rays(flat_Mesh(), across_, tiles_, rays.orgs, starts, own, out);
   for (uint32_t k = 0; k < count; ++k) {
     uint8_t& sight = rays.sight[first + k];
-    const uint32_t closed =
-        (hits >> k & 1u) * kSeesAhead | (hits >> (k + kLanes8) & 1u) * kSeesBehind;
+    const uint32_t closed = (hits >> k & 1u) * kSeesAhead | (hits >> (k + kGroup) & 1u) * kSeesBehind;
     sight &= static_cast<uint8_t>(~closed);
-    counts[out.spot[k]] += sight & kSeesAhead ? 1 : 0;
-    counts[out.spot[k] + kSpots] += sight & kSeesBehind ? 1 : 0;
+    if (sight & kSeesAhead) row.count(2 * out.tile[k]);
+    if (sight & kSeesBehind) row.count(2 * out.tile[k] + 1);
   }
 }
 
-void CSweep::bin_Rays(const TSweepRays& rays) {
-  const uint32_t bins = 2 * kSpots * tiles_.count();
-  for (CScratch<float>* row : {&x_, &y_, &z_}) row->resize(rays.count);
-  spot_of_.resize(rays.count);
-  each_Eight(rays.count, bins, true, [&](uint32_t first, uint32_t count, uint32_t* counts) {
-    ask_Own(rays, first, count, counts);
+bool CSweep::bin_Rays(const TSweepRays& rays) {
+  const uint32_t bins = 2 * tiles_.count();
+  for (CScratch<float>* row : {&x_, &y_, &z_}) row->resize(size_t{rays.count} + kGroup);
+  tile_of_.resize(size_t{rays.count} + kGroup);
+  count_Groups(rays.count, bins, rays_,
+               [&](uint32_t first, uint32_t count, CBins::CRow& row) {
+                 ask_Own(rays, first, count, row);
+               });
+  if (!rays_.make_Room(UINT32_MAX)) return false;
+  put_Groups(rays.count, rays_, [&](uint32_t i, CBins::CRow& row) {
+    if (rays.sight[i] & kSeesAhead) row.put(2 * tile_of_[i], i);
+    if (rays.sight[i] & kSeesBehind) row.put(2 * tile_of_[i] + 1, i);
   });
-  sum_Counts(bins, UINT32_MAX, rays_);
-  rays_.entries.resize(rays_.begin[bins]);
-  each_Eight(rays.count, bins, false, [&](uint32_t first, uint32_t count, uint32_t* next) {
-    for (uint32_t i = first; i < first + count; ++i) {
-      if (rays.sight[i] & kSeesAhead) rays_.entries[next[spot_of_[i]]++] = i;
-      if (rays.sight[i] & kSeesBehind) rays_.entries[next[spot_of_[i] + kSpots]++] = i;
-    }
-  });
+  return true;
 }
 
 // Whether the rays of a bin would cost less in the tree.
 bool CSweep::is_Crowded(uint32_t bin) const {
-  return find_Excess(count_Rays(bin), triangles_.count(bin / 2)) > 0;
+  return find_Excess(rays_.count(bin), triangles_.count(bin / 2), is_Deep(bin / 2)) > 0;
 }
 
 // Whether the crowded bins are worth the tree.
 bool CSweep::prefers_Tree() const {
   int64_t excess = 0;
   for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin)
-    excess += std::max(int64_t{0}, find_Excess(count_Rays(bin), triangles_.count(bin / 2)));
+    excess += std::max(int64_t{0}, find_Excess(rays_.count(bin), triangles_.count(bin / 2),
+                                               is_Deep(bin / 2)));
   return excess > (tree_->has_Rays() ? 0 : int64_t{kTreeByTriangle} * msh_.n_tri);
 }
 
 void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
   const T3DVEC way = bin % 2 == 0 ? direction_ : -direction_;
-  for (uint32_t k = first_Ray(bin); k < first_Ray(bin + 1); ++k) {
-    const uint32_t i = rays_.entries[k];
+  for (uint32_t k = rays_.begin(bin); k < rays_.begin(bin + 1); ++k) {
+    const uint32_t i = *rays_.entries(k);
     if (tree_->AnyHit({rays.orgs[rays.id(i)], way})) close_Way(rays.sight[i], bin);
   }
-}
-
-bool CSweep::is_Hit(const T3DVEC& org, uint32_t bin, uint32_t t) const {
-  return hit_Own({org, bin % 2 == 0 ? direction_ : -direction_}, msh_, t);
 }
 
 // Of a thin triangle nothing is known but that a ray must come to its own box.
@@ -366,65 +404,87 @@ void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) con
   }
 }
 
-void CSweep::answer_Tile(const TSweepRays& rays, uint32_t tile) const {
-  bool open[2];
-  for (uint32_t behind = 0; behind < 2; ++behind) {
-    const uint32_t bin = 2 * tile + behind;
-    open[behind] = count_Rays(bin) != 0;
-    if (!open[behind] || !asks_tree_ || !is_Crowded(bin)) continue;
-    ask_Tree(rays, bin);
-    open[behind] = false;
+// The corner of a tile.
+TCorner CSweep::find_Corner(uint32_t tile) const {
+  return {static_cast<float>(tiles_.low_x + tile % tiles_.columns * tile_),
+          static_cast<float>(tiles_.low_y + tile / tiles_.columns * tile_),
+          static_cast<float>(1.0 / tile_)};
+}
+
+void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number) {
+  TTile tile(number);
+  for (uint32_t bin = 2 * number; bin < 2 * number + 2; ++bin) {
+    if (rays_.count(bin) == 0) continue;
+    if (asks_tree_ && is_Crowded(bin)) {
+      ask_Tree(rays, bin);
+      continue;
+    }
+    if (is_Deep(number)) {
+      order_Triangles(flat_Mesh(), bin % 2 == 0 ? 1.0f : -1.0f, triangles_.count(number),
+                      triangles_.entries(triangles_.begin(number)));
+      tile.from = UINT32_MAX;
+    }
+    const uint32_t end = rays_.begin(bin + 1);
+    for (uint32_t first = rays_.begin(bin); first < end; first += kMostRays)
+      answer_Rays(rays, bin, rays_.entries(first), std::min(kMostRays, end - first), tile);
   }
-  if (!open[0] && !open[1]) return;
-  const TFlatMesh mesh = flat_Mesh();
-  const uint32_t column = tile % tiles_.columns, row = tile / tiles_.columns;
-  const bool outermost =
-      column == 0 || column == tiles_.columns - 1 || row == 0 || row == tiles_.rows - 1;
-  const TSpot spot = {static_cast<float>(tiles_.low_x + (column + 0.5) * tile_),
-                      static_cast<float>(tiles_.low_y + (row + 0.5) * tile_),
-                      static_cast<float>(0.6 * tile_ + (outermost ? beyond_ : 0.0f))};
-  const uint32_t end = triangles_.begin[tile + 1];
-  TFlats flats;
-  for (uint32_t from = triangles_.begin[tile]; from < end; from += kMostFlats) {
-    const uint32_t* ids = &triangles_.entries[from];
-    const uint32_t count = std::min(kMostFlats, end - from);
-    lanes_->flatten(mesh, ids, count, spot, flats);
-    narrow_Thin(ids, count, flats);
-    for (uint32_t behind = 0; behind < 2; ++behind) {
-      const uint32_t bin = 2 * tile + behind, last = open[behind] ? first_Ray(bin + 1) : 0;
-      for (uint32_t first = first_Ray(bin); first < last; first += kLanes8)
-        answer_Group(rays, bin, first, flats, ids, count);
+}
+
+// Makes flats of the triangles from `from` on.
+void CSweep::lay_Flats(uint32_t from, TTile& tile) const {
+  if (tile.from == from) return;
+  tile.from = from;
+  tile.count = std::min(kMostFlats, triangles_.begin(tile.number + 1) - from);
+  const uint32_t* ids = triangles_.entries(from);
+  if (lanes_->flatten(flat_Mesh(), ids, tile.count, tile.flats))
+    narrow_Thin(ids, tile.count, tile.flats);
+}
+
+// Holds rays of a tile against its triangles.
+void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
+                         TTile& tile) const {
+  TTileRays asked;
+  asked.way = bin % 2 == 0 ? 1.0f : -1.0f;
+  order_Rays({x_.data(), y_.data(), z_.data()}, list, count, find_Corner(tile.number),
+             is_Deep(tile.number), asked);
+  uint16_t alive[kMostGroups];
+  for (uint32_t k = 0; k < count; k += kGroup)
+    alive[k / kGroup] = static_cast<uint16_t>((1u << std::min(kGroup, count - k)) - 1);
+  const uint32_t end = triangles_.begin(tile.number + 1);
+  for (uint32_t from = triangles_.begin(tile.number); from < end; from += kMostFlats) {
+    lay_Flats(from, tile);
+    for (uint32_t k = 0; k < count; k += kGroup) {
+      uint32_t hits = find_Hits(rays, asked, k, alive[k / kGroup], tile);
+      alive[k / kGroup] &= static_cast<uint16_t>(~hits);
+      for (; hits != 0; hits &= hits - 1)
+        close_Way(rays.sight[asked.ray[k + static_cast<uint32_t>(std::countr_zero(hits))]], bin);
     }
   }
 }
 
-// Holds up to eight rays of a bin against the triangles.
-void CSweep::answer_Group(const TSweepRays& rays, uint32_t bin, uint32_t first, const TFlats& flats,
-                          const uint32_t* ids, uint32_t count) const {
-  const uint32_t* entries = &rays_.entries[first];
-  const uint32_t open = std::min(kLanes8, first_Ray(bin + 1) - first);
-  TRays8 group;
-  group.way = bin % 2 == 0 ? 1.0f : -1.0f;
-  lanes_->fetch(x_.data(), y_.data(), z_.data(), entries, open, group);
-  uint32_t list[kMostFlats + kLanes8];
-  const uint32_t listed = lanes_->select(flats, count, group, list);
-  uint32_t alive = 0;
-  for (uint32_t k = 0; k < open; ++k)
-    alive |= ((rays.sight[entries[k]] & way_Bit(bin)) != 0 ? 1u : 0u) << k;
-  for (uint32_t e = 0; e < listed && alive != 0; e += kChunk) {
+// Which of the alive rays of a group hit a triangle.
+uint32_t CSweep::find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
+                           uint32_t alive, const TTile& tile) const {
+  if (alive == 0) return 0;
+  const TGroup group = asked.group(first);
+  const T3DVEC way = group.way > 0.0f ? direction_ : -direction_;
+  const uint32_t* ids = triangles_.entries(tile.from);
+  uint32_t list[kMostFlats + kGroup], hits = 0;
+  const uint32_t listed = lanes_->select(tile.flats, tile.count, group, list);
+  for (uint32_t e = 0; e < listed && alive != hits; e += kChunk) {
     TSifted sifted[kChunk];
-    const uint32_t found =
-        lanes_->sift(flats, list + e, std::min(kChunk, listed - e), group, alive, sifted);
+    const uint32_t found = lanes_->sift(tile.flats, list + e, std::min(kChunk, listed - e), group,
+                                        alive & ~hits, sifted);
     for (uint32_t s = 0; s < found; ++s) {
-      uint32_t hit = sifted[s].hit & alive;
-      for (uint32_t bits = sifted[s].unclear & alive; bits != 0; bits &= bits - 1) {
+      hits |= sifted[s].hit;
+      for (uint32_t bits = sifted[s].unclear & ~hits; bits != 0; bits &= bits - 1) {
         const auto k = static_cast<uint32_t>(std::countr_zero(bits));
-        if (is_Hit(rays.orgs[rays.id(entries[k])], bin, ids[sifted[s].at])) hit |= 1u << k;
+        const T3DVEC& org = rays.orgs[rays.id(asked.ray[first + k])];
+        if (hit_Own({org, way}, msh_, ids[sifted[s].at])) hits |= 1u << k;
       }
-      alive &= ~hit;
-      for (; hit != 0; hit &= hit - 1) close_Way(rays.sight[entries[std::countr_zero(hit)]], bin);
     }
   }
+  return hits;
 }
 
 }  // namespace undercut

@@ -10,7 +10,9 @@
 #pragma once
 
 #include "foundation/scratch.h"
+#include "mesh/sweep_bins.h"
 #include "mesh/sweep_lanes.h"
+#include "mesh/sweep_order.h"
 #include "mesh/sweep_space.h"
 #include "mesh/trees.h"
 
@@ -47,40 +49,39 @@ class CSweep {
   bool clear_Hit(const T3DVEC& direction, const TSweepRays& rays);
 
  private:
+  struct TTile;
   struct TFlatBox {
     float low_x, high_x, low_y, high_y;
-  };
-  // Those of bin k stand from begin[k] to begin[k + 1].
-  struct TBins {
-    CScratch<uint32_t> begin, entries;
-    uint32_t count(uint32_t bin) const { return begin[bin + 1] - begin[bin]; }
   };
 
   bool set_Across(const T3DVEC& direction, const C3DAABB& starts);
   TFlatBox shadow(const C3DAABB& box) const;
   TFlatBox place_Mesh();
-  void lay_Tiles(const TFlatBox& box, const TFlatBox& starts);
+  void sample_Mesh(double& side, double& area) const;
+  void lay_Tiles(const TFlatBox& box);
   template <typename Body>
   void each_Part(uint32_t count, Body body) const;
   template <typename Body>
-  void each_Eight(uint32_t count, uint32_t bins, bool clear, Body body);
-  bool sum_Counts(uint32_t bins, uint64_t most, TBins& out);
+  void count_Groups(uint32_t count, uint32_t bins, CBins& out, Body body);
+  template <typename Body>
+  void put_Groups(uint32_t count, CBins& out, Body body);
   TFlatMesh flat_Mesh() const;
   void span_Shadow(uint32_t t);
   bool bin_Triangles();
-  void ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, uint32_t* counts);
-  void bin_Rays(const TSweepRays& rays);
-  // Of a side of a tile: the rays along the direction, if it is even, or those against it.
-  uint32_t first_Ray(uint32_t side) const { return rays_.begin[size_t{side} * kSpots]; }
-  uint32_t count_Rays(uint32_t side) const { return first_Ray(side + 1) - first_Ray(side); }
-  bool is_Crowded(uint32_t side) const;
+  void ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBins::CRow& row);
+  bool bin_Rays(const TSweepRays& rays);
+  bool is_Crowded(uint32_t bin) const;
   bool prefers_Tree() const;
-  void answer_Tile(const TSweepRays& rays, uint32_t tile) const;
+  TCorner find_Corner(uint32_t tile) const;
+  bool is_Deep(uint32_t tile) const { return triangles_.count(tile) > deep_; }
+  void answer_Tile(const TSweepRays& rays, uint32_t number);
+  void answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
+                   TTile& tile) const;
+  void lay_Flats(uint32_t from, TTile& tile) const;
   void narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const;
-  void answer_Group(const TSweepRays& rays, uint32_t bin, uint32_t first, const TFlats& flats,
-                    const uint32_t* ids, uint32_t count) const;
+  uint32_t find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first, uint32_t alive,
+                     const TTile& tile) const;
   void ask_Tree(const TSweepRays& rays, uint32_t bin) const;
-  bool is_Hit(const T3DVEC& org, uint32_t bin, uint32_t t) const;
 
   const C3DTriAABBTree* tree_ = nullptr;
   const TSweepLanes* lanes_ = nullptr;
@@ -90,17 +91,16 @@ class CSweep {
   TAcross across_ = {};
   TTiles tiles_ = {};
   double tile_ = 0;             // side of a tile
-  float beyond_ = 0;            // how far from them a ray may start
+  uint32_t deep_ = 0;           // tiles of more triangles are answered by depth
   float least_ = 0;             // see TFlatMesh
   uint32_t parts_ = 1;          // of triangles or rays, binned beside one another
   bool asks_tree_ = false;      // for crowded bins
   CScratch<TFlatVec> points_;   // the vertices
-  CScratch<TSpan> spans_;       // of the triangles
-  TBins triangles_;             // one bin a tile
+  CScratch<uint32_t> columns_, rows_;  // of tiles that the triangles lie over
+  CBins triangles_;             // one bin a tile
   CScratch<float> x_, y_, z_;   // where the rays start
-  CScratch<uint32_t> spot_of_;  // of the rays
-  TBins rays_;                  // one bin a spot
-  CScratch<uint32_t> counts_;   // of each part in each bin
+  CScratch<uint32_t> tile_of_;  // of the rays
+  CBins rays_;                  // two bins a tile: rays along the direction, and against it
 };
 
 }  // namespace undercut

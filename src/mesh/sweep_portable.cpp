@@ -35,6 +35,18 @@ TFlat get_Flat(const TFlatMesh& mesh, uint32_t id) {
   return f;
 }
 
+struct TRange {
+  float low, high;
+};
+
+// The range of the corners, widened by a part of itself.
+TRange get_Heights(const TFlat& f) {
+  const float bz = f.az + f.abz, cz = f.az - f.caz;
+  const float low = std::min(f.az, std::min(bz, cz)), high = std::max(f.az, std::max(bz, cz));
+  const float pad = (high - low) * kWiden + kPad;
+  return {low - pad, high + pad};
+}
+
 // Its rectangle, widened.
 struct TRect {
   float low_x, high_x, low_y, high_y;
@@ -84,50 +96,81 @@ TFinding judge(float side, float ab, float bc, float ca, const TBounds& b) {
   return f;
 }
 
-void flatten_Each(const TFlatMesh& mesh, const uint32_t* ids, uint32_t count, const TSpot& spot,
-                  TFlats& out) {
+// Of a sure triangle.
+TFinding judge_Sure(float side, float ab, float bc, float ca) {
+  const float most = std::max(std::max(ab, bc), std::max(ca, side));
+  return {most < -1.0f, most > 1.0f};
+}
+
+// Of others: the bounds hold within those in x and y alone, which tell most of thin ones.
+TFinding judge_Unsure(const TFlats& f, uint32_t i, float x, float y, TFinding finding) {
+  const bool outside =
+      (x < f.low_x[i]) | (x > f.high_x[i]) | (y < f.low_y[i]) | (y > f.high_y[i]);
+  return outside ? TFinding{false, true} : finding;
+}
+
+// How the numbers of a triangle are stored (see TFlats).
+struct TScales {
+  float edges, normal, edge;
+};
+
+TScales get_Scales(const TFlat& f, const TBounds& b) {
+  if (!(std::fabs(f.nz) >= kSure * b.clear)) return {1.0f, 1.0f, b.edge};
+  const float sign = f.nz < 0.0f ? -1.0f : 1.0f;
+  return {-sign / b.clear, sign / b.side, 0.0f};
+}
+
+bool flatten_Each(const TFlatMesh& mesh, const uint32_t* ids, uint32_t count, TFlats& out) {
+  bool any_Thin = false;
   for (uint32_t i = 0; i < count; ++i) {
     const TFlat f = get_Flat(mesh, ids[i]);
-    const TBounds b = get_Bounds(f, mesh.least, max_Abs(f.ax - spot.x, f.ay - spot.y) + spot.reach);
+    const float reach = kReachBeyond * (f.is_thin ? f.longest : f.wide) + 2.0f * kPad;
+    const TBounds b = get_Bounds(f, mesh.least, reach);
     const TRect r = get_Rect(f);
+    const TRange heights = get_Heights(f);
     const float deep = kDeep * f.longest + kPad;
+    const TScales scales = get_Scales(f, b);
     out.ax[i] = f.ax, out.ay[i] = f.ay, out.az[i] = f.az;
-    out.abx[i] = f.abx, out.aby[i] = f.aby;
-    out.cax[i] = f.cax, out.cay[i] = f.cay;
-    out.nx[i] = f.nx, out.ny[i] = f.ny, out.nz[i] = f.nz;
-    out.edge[i] = b.edge, out.side[i] = b.side, out.clear[i] = b.clear;
+    out.abx[i] = scales.edges * f.abx, out.aby[i] = scales.edges * f.aby;
+    out.cax[i] = scales.edges * f.cax, out.cay[i] = scales.edges * f.cay;
+    out.area[i] = scales.edges * f.nz;
+    out.nx[i] = scales.normal * f.nx, out.ny[i] = scales.normal * f.ny;
+    out.nz[i] = scales.normal * f.nz;
+    out.edge[i] = scales.edge, out.side[i] = b.side, out.clear[i] = b.clear;
     out.low_x[i] = f.is_thin ? -kInfinite : r.low_x,
     out.high_x[i] = f.is_thin ? kInfinite : r.high_x;
     out.low_y[i] = f.is_thin ? -kInfinite : r.low_y,
     out.high_y[i] = f.is_thin ? kInfinite : r.high_y;
-    out.low_z[i] = f.az - deep, out.high_z[i] = f.az + deep;
+    out.low_z[i] = f.is_thin ? f.az - deep : heights.low;
+    out.high_z[i] = f.is_thin ? f.az + deep : heights.high;
+    any_Thin |= f.is_thin;
   }
+  return any_Thin;
 }
 
 uint32_t span_Each(const TFlatMesh& mesh, uint32_t first, uint32_t count, const TTiles& tiles,
-                   TSpan* spans) {
+                   const TSpans& out) {
   uint32_t thin = 0;
   for (uint32_t k = 0; k < count; ++k) {
     const TFlat f = get_Flat(mesh, first + k);
     const TRect r = get_Rect(f);
-    const auto column = [&](float x) { return static_cast<uint16_t>(tiles.column(x)); };
-    const auto row = [&](float y) { return static_cast<uint16_t>(tiles.row(y)); };
-    spans[k] = {column(r.low_x), column(r.high_x), row(r.low_y), row(r.high_y)};
+    out.columns[k] = tiles.column(r.low_x) | tiles.column(r.high_x) << 16;
+    out.rows[k] = tiles.row(r.low_y) | tiles.row(r.high_y) << 16;
     thin |= (f.is_thin ? 1u : 0u) << k;
   }
   return thin;
 }
 
 uint32_t place_Each(const TFlatMesh& mesh, const TAcross& across, const TTiles& tiles,
-                    const T3DVEC* orgs, const uint32_t* starts, const uint32_t* own, uint32_t count,
+                    const T3DVEC* orgs, const uint32_t* starts, const uint32_t* own,
                     const TPlaced& out) {
   uint32_t hits = 0;
-  for (uint32_t k = 0; k < count; ++k) {
+  for (uint32_t k = 0; k < kGroup; ++k) {
     const T3DVEC p = across(orgs[starts[k]]);
     const auto x = static_cast<float>(p.x), y = static_cast<float>(p.y);
     const auto z = static_cast<float>(p.z);
     out.x[k] = x, out.y[k] = y, out.z[k] = z;
-    out.spot[k] = tiles.spot(x, y);
+    out.tile[k] = tiles.tile(x, y);
 
     const TFlat f = get_Flat(mesh, own[k]);
     const float qx = x - f.ax, qy = y - f.ay, qz = z - f.az;
@@ -135,23 +178,15 @@ uint32_t place_Each(const TFlatMesh& mesh, const TAcross& across, const TTiles& 
     const float ab = f.abx * qy - f.aby * qx, ca = f.cax * qy - f.cay * qx;
     const float side = f.nx * qx + f.ny * qy + f.nz * qz;
     hits |= (judge(side, ab, f.nz - ab - ca, ca, b).hit ? 1u : 0u) << k;
-    hits |= (judge(-side, ab, f.nz - ab - ca, ca, b).hit ? 0x100u : 0u) << k;
+    hits |= (judge(-side, ab, f.nz - ab - ca, ca, b).hit ? 1u : 0u) << (k + kGroup);
   }
   return hits;
 }
 
-void fetch_Each(const float* x, const float* y, const float* z, const uint32_t* list,
-                uint32_t count, TRays8& out) {
-  for (uint32_t k = 0; k < kLanes8; ++k) {
-    const uint32_t i = list[std::min(k, count - 1)];
-    out.x[k] = x[i], out.y[k] = y[i], out.z[k] = z[i];
-  }
-}
-
-uint32_t select_Each(const TFlats& f, uint32_t count, const TRays8& rays, uint32_t* list) {
-  const auto [low_x, high_x] = std::minmax_element(rays.x, rays.x + kLanes8);
-  const auto [low_y, high_y] = std::minmax_element(rays.y, rays.y + kLanes8);
-  const auto [low_z, high_z] = std::minmax_element(rays.z, rays.z + kLanes8);
+uint32_t select_Each(const TFlats& f, uint32_t count, const TGroup& rays, uint32_t* list) {
+  const auto [low_x, high_x] = std::minmax_element(rays.x, rays.x + kGroup);
+  const auto [low_y, high_y] = std::minmax_element(rays.y, rays.y + kGroup);
+  const auto [low_z, high_z] = std::minmax_element(rays.z, rays.z + kGroup);
   const bool ahead = rays.way > 0.0f;
   uint32_t kept = 0;
   for (uint32_t i = 0; i < count; ++i) {
@@ -162,22 +197,27 @@ uint32_t select_Each(const TFlats& f, uint32_t count, const TRays8& rays, uint32
   return kept;
 }
 
-uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const TRays8& rays,
+uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const TGroup& rays,
                    uint32_t alive, TSifted* out) {
   uint32_t found = 0;
   for (uint32_t n = 0; n < count; ++n) {
     const uint32_t i = list[n];
+    const bool is_sure = f.edge[i] == 0.0f;
     const TBounds b = {f.edge[i], f.side[i], f.clear[i]};
     uint32_t hit = 0, missed = 0;
-    for (uint32_t k = 0; k < kLanes8; ++k) {
+    for (uint32_t k = 0; k < kGroup; ++k) {
       const float x = rays.x[k] - f.ax[i], y = rays.y[k] - f.ay[i], z = rays.z[k] - f.az[i];
       const float side = rays.way * (f.nx[i] * x + f.ny[i] * y + f.nz[i] * z);
       const float ab = f.abx[i] * y - f.aby[i] * x, ca = f.cax[i] * y - f.cay[i] * x;
-      const TFinding finding = judge(side, ab, f.nz[i] - ab - ca, ca, b);
+      const float bc = f.area[i] - ab - ca;
+      const TFinding finding = is_sure ? judge_Sure(side, ab, bc, ca)
+                                       : judge_Unsure(f, i, rays.x[k], rays.y[k],
+                                                      judge(side, ab, bc, ca, b));
       hit |= (finding.hit ? 1u : 0u) << k;
       missed |= (finding.missed ? 1u : 0u) << k;
     }
-    out[found] = {i, hit & alive, alive & ~(hit | missed)};
+    out[found] = {i, static_cast<uint16_t>(hit & alive),
+                  static_cast<uint16_t>(alive & ~(hit | missed))};
     found += (alive & ~missed) != 0;
   }
   return found;
@@ -185,7 +225,6 @@ uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const 
 
 }  // namespace
 
-const TSweepLanes kPortableLanes = {flatten_Each, span_Each,   place_Each,
-                                    fetch_Each,   select_Each, sift_Each};
+const TSweepLanes kPortableLanes = {flatten_Each, span_Each, place_Each, select_Each, sift_Each};
 
 }  // namespace undercut

@@ -19,10 +19,6 @@ struct TAcross {
   }
 };
 
-inline constexpr uint32_t kSpots = 16;
-inline constexpr int32_t kSpotOrder[kSpots] = {0, 1, 14, 15, 3, 2, 13, 12,
-                                               4, 7, 8,  11, 5, 6, 9,  10};
-
 // Square tiles, row after row.
 struct TTiles {
   float low_x, low_y, per_unit;
@@ -34,23 +30,11 @@ struct TTiles {
   uint32_t column(float x) const { return place((x - low_x) * per_unit, columns); }
   uint32_t row(float y) const { return place((y - low_y) * per_unit, rows); }
   uint32_t tile(float x, float y) const { return row(y) * columns + column(x); }
-  // Each tile has 16 spots for each of two ways, numbered so that neighbours are close to one
-  // another (D. Hilbert's curve): an order for rays, no more.
-  uint32_t spot(float x, float y) const {
-    const uint32_t i = place(4.0f * (x - low_x) * per_unit, 4 * columns);
-    const uint32_t k = place(4.0f * (y - low_y) * per_unit, 4 * rows);
-    return 2 * kSpots * tile(x, y) + kSpotOrder[4 * (k & 3u) + (i & 3u)];
-  }
 
  private:
   static uint32_t place(float at, uint32_t count) {
     return static_cast<uint32_t>(std::clamp(at, 0.0f, static_cast<float>(count - 1)));
   }
-};
-
-// The tiles that a triangle may lie over.
-struct TSpan {
-  uint16_t first_column, last_column, first_row, last_row;
 };
 
 }  // namespace undercut

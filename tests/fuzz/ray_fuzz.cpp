@@ -42,14 +42,14 @@ void tell(uint64_t seed, const THostile& hostile, const char* what, uint64_t ray
               static_cast<unsigned long long>(ray));
 }
 
-// Eight rays at a time against the triangles that they were aimed at, and some against others too.
+// Groups of rays against the triangles that they were aimed at, and some against others too.
 void judge_Pairs(uint64_t seed, THostile& hostile, TTotals& totals) {
   reference::Random random(seed);
   const CPlaced placed(hostile);
   if (!placed.is_Bounded()) return;
-  for (uint32_t first = 0; first < kRays; first += kLanes8) {
+  for (uint32_t first = 0; first < kRays; first += kGroup) {
     const float way = random.chance(0.5) ? 1.0f : -1.0f;
-    std::vector<uint32_t> ids(&hostile.aims[first], &hostile.aims[first] + kLanes8);
+    std::vector<uint32_t> ids(&hostile.aims[first], &hostile.aims[first] + kGroup);
     for (uint32_t k = random.chance(kOtherShare) ? kOthers : 0; k > 0; --k)
       ids.push_back(static_cast<uint32_t>(random.below(hostile.soup.tri.size())));
     for (const TForm& form : list_Forms()) {

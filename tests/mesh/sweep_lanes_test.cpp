@@ -20,21 +20,20 @@ TTiles make_Tiles(uint32_t columns) {
   return {low, low, static_cast<float>(columns) / 2.0f, columns, columns};
 }
 
-// Rays of a case, a triangle each, placed by a form.
+// A group of rays, the last one repeated, each with a triangle, placed by a form.
 struct TPlacedRays {
-  std::vector<float> x, y, z;
-  std::vector<uint32_t> spot;
+  float x[kGroup], y[kGroup], z[kGroup];
+  uint32_t tile[kGroup], starts[kGroup], own[kGroup];
   uint32_t hits = 0;
 
   TPlacedRays(const TForm& form, const CPlaced& placed, const TTiles& tiles,
-              const THostile& hostile, const std::vector<uint32_t>& ids)
-      : x(ids.size()), y(x), z(x), spot(ids.size()) {
-    std::vector<uint32_t> own;
-    for (const uint32_t id : ids) own.push_back(hostile.aims[id]);
-    own.resize(std::max<size_t>(own.size(), kLanes8));  // read as a whole
+              const THostile& hostile, const std::vector<uint32_t>& ids) {
+    for (uint32_t k = 0; k < kGroup; ++k) {
+      starts[k] = ids[std::min<size_t>(k, ids.size() - 1)];
+      own[k] = hostile.aims[starts[k]];
+    }
     hits = form.lanes->place_Rays(placed.mesh(), placed.across(), tiles, hostile.orgs.data(),
-                                  ids.data(), own.data(), static_cast<uint32_t>(ids.size()),
-                                  {x.data(), y.data(), z.data(), spot.data()});
+                                  starts, own, {x, y, z, tile});
   }
 };
 
@@ -49,8 +48,8 @@ TEST(SweepLanes, CallNothingHitOrMissed_ThatIsNot) {
       THostile hostile = make_Hostile(kSeed + round, 200, 256);
       const CPlaced placed(hostile);
       if (!placed.is_Bounded()) continue;
-      for (uint32_t first = 0; first < 256; first += kLanes8) {
-        std::vector<uint32_t> ids(&hostile.aims[first], &hostile.aims[first] + kLanes8);
+      for (uint32_t first = 0; first < 256; first += kGroup) {
+        std::vector<uint32_t> ids(&hostile.aims[first], &hostile.aims[first] + kGroup);
         const uint64_t count = 1 + random.below(90);
         while (ids.size() < count)
           ids.push_back(static_cast<uint32_t>(random.below(hostile.soup.tri.size())));
@@ -71,11 +70,12 @@ TEST(SweepLanes, ListATriangle_InTheTilesOfAllRaysThatHitIt) {
       if (!placed.is_Bounded()) continue;
       const TTiles tiles = make_Tiles(1u << round % 13);
       const auto count = static_cast<uint32_t>(hostile.soup.tri.size());
-      std::vector<TSpan> spans(count);
+      std::vector<uint32_t> columns(count + kGroup), rows(count + kGroup);
       std::vector<bool> thin;
-      for (uint32_t t = 0; t < count; t += kLanes8) {
-        const uint32_t some = std::min(kLanes8, count - t);
-        const uint32_t bits = form.lanes->find_Spans(placed.mesh(), t, some, tiles, &spans[t]);
+      for (uint32_t t = 0; t < count; t += kGroup) {
+        const uint32_t some = std::min(kGroup, count - t);
+        const uint32_t bits =
+            form.lanes->find_Spans(placed.mesh(), t, some, tiles, {&columns[t], &rows[t]});
         EXPECT_EQ(bits >> some, 0u);
         for (uint32_t k = 0; k < some; ++k) thin.push_back((bits >> k & 1u) != 0);
       }
@@ -83,11 +83,10 @@ TEST(SweepLanes, ListATriangle_InTheTilesOfAllRaysThatHitIt) {
         const uint32_t t = hostile.aims[i];
         if (thin[t] || !placed.exact(i, 1.0f, t)) continue;
         ++hits;
-        const TRays8 ray = placed.rays(i, 1.0f);
+        const TRayGroup ray = placed.rays(i, 1.0f);
         const uint32_t column = tiles.column(ray.x[0]), row = tiles.row(ray.y[0]);
-        const TSpan& span = spans[t];
-        ASSERT_TRUE(span.first_column <= column && column <= span.last_column &&
-                    span.first_row <= row && row <= span.last_row)
+        ASSERT_TRUE((columns[t] & 0xffffu) <= column && column <= columns[t] >> 16 &&
+                    (rows[t] & 0xffffu) <= row && row <= rows[t] >> 16)
             << form.name << ", round " << round << ", ray " << i;
       }
     }
@@ -102,25 +101,20 @@ TEST(SweepLanes, PlaceRays_WhereTheyStart_AndHitOnlyWhatIsHit) {
       const CPlaced placed(hostile);
       if (!placed.is_Bounded()) continue;
       const TTiles tiles = make_Tiles(1 + round % 40);
-      for (uint32_t first = 0; first + kLanes8 <= 400; first += kLanes8) {
+      for (uint32_t first = 0; first + kGroup <= 400; first += kGroup) {
         std::vector<uint32_t> ids;
-        for (uint32_t k = 0; k <= round % kLanes8; ++k) ids.push_back(first + (k * 3) % kLanes8);
+        for (uint32_t k = 0; k <= round % kGroup; ++k) ids.push_back(first + (k * 3) % kGroup);
         const TPlacedRays rays(form, placed, tiles, hostile, ids);
-        for (uint32_t k = 0; k < kLanes8; ++k) {
-          const uint32_t bits = (rays.hits >> k & 1u) | (rays.hits >> (k + kLanes8) & 1u) << 1;
-          if (k >= ids.size()) {
-            ASSERT_EQ(bits, 0u);
-            continue;
-          }
-          const TRays8 ray = placed.rays(ids[k], 1.0f);
+        for (uint32_t k = 0; k < kGroup; ++k) {
+          const uint32_t bits = (rays.hits >> k & 1u) | (rays.hits >> (k + kGroup) & 1u) << 1;
+          const TRayGroup ray = placed.rays(rays.starts[k], 1.0f);
           ASSERT_EQ(rays.x[k], ray.x[0]);
           ASSERT_EQ(rays.y[k], ray.y[0]);
           ASSERT_EQ(rays.z[k], ray.z[0]);
-          ASSERT_EQ(rays.spot[k], tiles.spot(ray.x[0], ray.y[0]));
-          ASSERT_EQ(rays.spot[k] / (2 * kSpots), tiles.tile(ray.x[0], ray.y[0]));
-          const uint32_t t = hostile.aims[ids[k]];
-          ASSERT_TRUE(!(bits & 1u) || placed.exact(ids[k], 1.0f, t)) << form.name << round;
-          ASSERT_TRUE(!(bits & 2u) || placed.exact(ids[k], -1.0f, t)) << form.name << round;
+          ASSERT_EQ(rays.tile[k], tiles.tile(ray.x[0], ray.y[0]));
+          const uint32_t start = rays.starts[k], t = rays.own[k];
+          ASSERT_TRUE(!(bits & 1u) || placed.exact(start, 1.0f, t)) << form.name << round;
+          ASSERT_TRUE(!(bits & 2u) || placed.exact(start, -1.0f, t)) << form.name << round;
           hits += bits != 0 ? 1 : 0;
         }
       }
@@ -135,31 +129,15 @@ TEST(SweepLanes, ListTrianglesInTheirOrder_AndNoneBehindTheLast) {
       const CPlaced placed(hostile);
       std::vector<uint32_t> ids;
       for (uint32_t t = 0; t < count; ++t) ids.push_back(t);
-      const TRays8 rays = placed.rays(count % 50, 1.0f);
+      const TRayGroup rays = placed.rays(count % 50, 1.0f);
       TFlats flats;
-      form.lanes->flatten(placed.mesh(), ids.data(), count, CPlaced::spot(rays), flats);
-      uint32_t list[kMostFlats + kLanes8];
-      const uint32_t listed = form.lanes->select(flats, count, rays, list);
+      form.lanes->flatten(placed.mesh(), ids.data(), count, flats);
+      uint32_t list[kMostFlats + kGroup];
+      const uint32_t listed = form.lanes->select(flats, count, rays.view(), list);
       ASSERT_LE(listed, count);
       for (uint32_t n = 0; n < listed; ++n) {
         ASSERT_LT(list[n], count);
         ASSERT_TRUE(n == 0 || list[n - 1] < list[n]);
-      }
-    }
-}
-
-TEST(SweepLanes, FetchTheListedRays_TheLastOneForThoseThatAreMissing) {
-  const float x[] = {1, 2, 3, 4}, y[] = {5, 6, 7, 8}, z[] = {-1, -2, -3, -4};
-  const uint32_t list[] = {3, 1, 2};
-  for (const TForm& form : list_Forms())
-    for (uint32_t count = 1; count <= 3; ++count) {
-      TRays8 rays;
-      form.lanes->fetch(x, y, z, list, count, rays);
-      for (uint32_t k = 0; k < kLanes8; ++k) {
-        const uint32_t i = list[std::min(k, count - 1)];
-        EXPECT_EQ(rays.x[k], x[i]);
-        EXPECT_EQ(rays.y[k], y[i]);
-        EXPECT_EQ(rays.z[k], z[i]);
       }
     }
 }
@@ -171,13 +149,13 @@ TEST(SweepLanes, SiftOnlyForRaysThatAreStillAsked) {
       const CPlaced placed(hostile);
       std::vector<uint32_t> ids;
       for (uint32_t t = 0; t < 64; ++t) ids.push_back(t);
-      const TRays8 rays = placed.rays(round, -1.0f);
+      const TRayGroup rays = placed.rays(round, -1.0f);
       TFlats flats;
-      form.lanes->flatten(placed.mesh(), ids.data(), 64, CPlaced::spot(rays), flats);
+      form.lanes->flatten(placed.mesh(), ids.data(), 64, flats);
       TSifted all[64], some[64];
-      const uint32_t found = form.lanes->sift(flats, ids.data(), 64, rays, 0xff, all);
-      const uint32_t alive = 0x5a;
-      const uint32_t left = form.lanes->sift(flats, ids.data(), 64, rays, alive, some);
+      const uint32_t found = form.lanes->sift(flats, ids.data(), 64, rays.view(), 0xffff, all);
+      const uint32_t alive = 0x5a3c;
+      const uint32_t left = form.lanes->sift(flats, ids.data(), 64, rays.view(), alive, some);
       uint32_t next = 0;
       for (uint32_t n = 0; n < found; ++n) {
         if (((all[n].hit | all[n].unclear) & alive) == 0) continue;

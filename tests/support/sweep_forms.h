@@ -20,6 +20,7 @@ struct TForm {
 inline std::vector<TForm> list_Forms() {
   std::vector<TForm> forms = {{"portable", &kPortableLanes}};
   if (avx2_Lanes()) forms.push_back({"avx2", avx2_Lanes()});
+  if (avx512_Lanes()) forms.push_back({"avx512", avx512_Lanes()});
   return forms;
 }
 
@@ -33,6 +34,16 @@ inline bool hits_Own(const T3DRAY& ray, const T3DFAC& f) {
 struct TPairs {
   uint64_t pairs = 0, unclear = 0;
   uint64_t wrong = 0;  // hit or missed, and not so
+};
+
+// A group of rays, with their numbers.
+struct TRayGroup {
+  alignas(64) float x[kGroup];
+  alignas(64) float y[kGroup];
+  alignas(64) float z[kGroup];
+  float way;
+
+  TGroup view() const { return {x, y, z, way}; }
 };
 
 // A mesh and rays in the coordinates of a sweep.
@@ -60,42 +71,35 @@ class CPlaced {
   // The direction is kept by org + dir, which the bounds need.
   bool is_Bounded() const { return is_bounded_; }
 
-  // Up to eight rays from the i-th on; the last again where there are no more.
-  TRays8 rays(uint32_t i, float way) const {
-    TRays8 group;
+  // A group of rays from the i-th on; the last again where there are no more.
+  TRayGroup rays(uint32_t i, float way) const {
+    TRayGroup group;
     group.way = way;
-    for (uint32_t k = 0; k < kLanes8; ++k) {
+    for (uint32_t k = 0; k < kGroup; ++k) {
       const size_t at = std::min<size_t>(i + k, ray_x_.size() - 1);
       group.x[k] = ray_x_[at], group.y[k] = ray_y_[at], group.z[k] = ray_z_[at];
     }
     return group;
   }
-  // The middle of the rays, and how far they are from it.
-  static TSpot spot(const TRays8& rays) {
-    const auto [low_x, high_x] = std::minmax_element(rays.x, rays.x + kLanes8);
-    const auto [low_y, high_y] = std::minmax_element(rays.y, rays.y + kLanes8);
-    const float x = 0.5f * (*low_x + *high_x), y = 0.5f * (*low_y + *high_y);
-    return {x, y, 1.001f * std::max(*high_x - x, *high_y - y) + 0x1p-20f};
-  }
 
-  // Holds eight rays against the listed triangles, as a tile does.
+  // Holds a group of rays against the listed triangles, as a tile does.
   void judge(const TForm& form, uint32_t i, float way, const std::vector<uint32_t>& ids,
              TPairs& out) const {
-    const TRays8 group = rays(i, way);
+    const TRayGroup group = rays(i, way);
     TFlats flats;
     const auto count = static_cast<uint32_t>(ids.size());
-    form.lanes->flatten(mesh(), ids.data(), count, spot(group), flats);
-    uint32_t list[kMostFlats + kLanes8];
-    const uint32_t listed = form.lanes->select(flats, count, group, list);
+    if (form.lanes->flatten(mesh(), ids.data(), count, flats)) narrow_Thin(ids, flats);
+    uint32_t list[kMostFlats + kGroup];
+    const uint32_t listed = form.lanes->select(flats, count, group.view(), list);
     TSifted sifted[kMostFlats];
-    const uint32_t found = form.lanes->sift(flats, list, listed, group, 0xff, sifted);
+    const uint32_t found = form.lanes->sift(flats, list, listed, group.view(), 0xffff, sifted);
     std::vector<uint32_t> hit(count), unclear(count);
     for (uint32_t s = 0; s < found; ++s) {
       hit[sifted[s].at] = sifted[s].hit;
       unclear[sifted[s].at] = sifted[s].unclear;
     }
     for (uint32_t t = 0; t < count; ++t)
-      for (uint32_t k = 0; k < kLanes8; ++k) {
+      for (uint32_t k = 0; k < kGroup; ++k) {
         const size_t at = std::min<size_t>(i + k, hostile_.orgs.size() - 1);
         ++out.pairs;
         if (unclear[t] >> k & 1u)
@@ -111,6 +115,27 @@ class CPlaced {
   }
 
  private:
+  // As a sweep does: to the shadow of their own box.
+  void narrow_Thin(const std::vector<uint32_t>& ids, TFlats& flats) const {
+    for (size_t i = 0; i < ids.size(); ++i) {
+      if (flats.clear[i] < kInfinite) continue;
+      C3DAABB own;
+      own.from_Tri(get_Fac(hostile_.soup.msh(), ids[i]));
+      float low_x = 4, high_x = -4, low_y = 4, high_y = -4;
+      for (uint32_t corner = 0; corner < 8; ++corner) {
+        const T3DVEC p = across_({corner & 1 ? own.max.x : own.min.x,
+                                  corner & 2 ? own.max.y : own.min.y,
+                                  corner & 4 ? own.max.z : own.min.z});
+        low_x = std::min(low_x, static_cast<float>(p.x));
+        high_x = std::max(high_x, static_cast<float>(p.x));
+        low_y = std::min(low_y, static_cast<float>(p.y));
+        high_y = std::max(high_y, static_cast<float>(p.y));
+      }
+      flats.low_x[i] = low_x - kPad, flats.high_x[i] = high_x + kPad;
+      flats.low_y[i] = low_y - kPad, flats.high_y[i] = high_y + kPad;
+    }
+  }
+
   static void add(const T3DVEC& p, std::vector<float>& x, std::vector<float>& y,
                   std::vector<float>& z) {
     x.push_back(static_cast<float>(p.x));
