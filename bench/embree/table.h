@@ -45,7 +45,10 @@ inline void race(std::vector<TContender>& list, int turns) {
   for (int turn = 0; turn < turns; ++turn)
     for (TContender& contender : list) {
       if (contender.before) contender.before();
-      contender.ms = std::min(contender.ms, time_Ms(contender.work));
+      // What asks is asked three times on end, as a search asks: the first time finds the caches as
+      // another contender left them.
+      for (int run = contender.before ? 2 : 0; run < 3; ++run)
+        contender.ms = std::min(contender.ms, time_Ms(contender.work));
       if (turn == 0 && contender.differing) contender.wrong = contender.differing();
     }
 }

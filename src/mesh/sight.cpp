@@ -1,7 +1,5 @@
 #include "mesh/sight.h"
 
-#include <cmath>
-
 #include "foundation/parallel.h"
 
 namespace undercut {
@@ -13,18 +11,6 @@ constexpr double kSweep = 1e5, kSweepByTriangle = 40.0, kSweepByRay = 50.0;
 constexpr double kStartByTriangle = 50.0;
 constexpr double kTreeByTriangle = 200.0, kTreeByRay = 200.0;
 constexpr uint32_t kManyRays = 512;
-
-// False where no ray starts.
-bool start_Ray(const TRayStarts& starts, uint32_t t, T3DVEC& org) {
-  const T3DFAC f = get_Fac(starts.msh, t);
-  if (is_Flat(f)) {
-    org = {};
-    return false;
-  }
-  const T3DVEC n = starts.nml ? starts.nml[t] : nml_Tri(f);
-  org = cen_Tri(f) + starts.lift * n;
-  return true;
-}
 
 }  // namespace
 
@@ -42,15 +28,11 @@ void CSight::make_Starts() {
   const uint32_t n_tri = starts_.msh.n_tri;
   orgs_.resize(n_tri);
   no_ray_.resize(n_tri);
-  each_Index(n_tri, [&](uint32_t t) { no_ray_[t] = start_Ray(starts_, t, orgs_[t]) ? 0 : kNoRay; });
-  box_.reset();
-  can_Sweep_ = sweep_.ini_Msh(*obstacle_) && n_tri < kMostIndex;
-  for (uint32_t t = 0; t < n_tri; ++t) {
-    if (no_ray_[t]) continue;
-    const T3DVEC& org = orgs_[t];
-    if (!std::isfinite(org.x) || !std::isfinite(org.y) || !std::isfinite(org.z)) can_Sweep_ = false;
-    box_.add(org);
-  }
+  const TPointRange range = range_Blocks(n_tri, [&](uint32_t first, uint32_t end) {
+    return start_Rays(starts_, first, end, orgs_.data(), no_ray_.data());
+  });
+  box_ = range.box;
+  can_Sweep_ = sweep_.ini_Msh(*obstacle_) && n_tri < kMostIndex && range.is_finite;
   has_Starts_ = true;
 }
 

@@ -5,20 +5,13 @@
 // is how triangles that face away drop out.
 #pragma once
 
+#include "mesh/ray_starts.h"
 #include "mesh/sweep.h"
 #include "mesh/trees.h"
 
 namespace undercut {
 
-// What is found for a triangle: kSeesAhead, kSeesBehind, or none, or this alone.
-inline constexpr uint8_t kNoRay = 4;  // two corners are equal, by coordinates: no ray starts
-
-// Where rays start: centroid + lift * unit normal.
-struct TRayStarts {
-  T3DMSH msh;
-  double lift;                  // mm
-  const T3DVEC* nml = nullptr;  // a unit normal for each triangle; null: they are computed
-};
+// What is found for a triangle: kSeesAhead, kSeesBehind, or none, or kNoRay alone.
 
 enum class Ways { kAhead, kBoth };
 

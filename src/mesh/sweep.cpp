@@ -49,6 +49,7 @@
 #include <utility>
 
 #include "foundation/parallel.h"
+#include "mesh/point_range.h"
 #include "mesh/ray_walk.h"
 #include "mesh/sweep_bounds.h"
 
@@ -71,10 +72,6 @@ constexpr uint32_t kBlock = 16;           // tiles
 constexpr uint32_t kFewParts = 2;         // of so much work that even two pay for threads
 constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
 constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likewise
-
-bool is_Finite(const T3DVEC& v) {
-  return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
 
 // Axes across a direction, to the right-hand side of one another, and as long as told.
 void set_Axes(const T3DVEC& direction, double length, TAcross& across) {
@@ -128,13 +125,14 @@ bool CSweep::ini_Msh(const C3DTriAABBTree& tree, const TSweepLanes* lanes) {
   tree_ = &tree;
   lanes_ = lanes ? lanes : fastest_Lanes();
   msh_ = tree.mesh();
-  box_.reset();
   if (tree.has_Excluded() || std::max(msh_.n_tri, msh_.n_vtx) > kMostIndex) return false;
-  for (uint32_t v = 0; v < msh_.n_vtx; ++v) {
-    if (!is_Finite(msh_.vtx[v])) return false;
-    box_.add(msh_.vtx[v]);
-  }
-  return msh_.n_tri != 0 && 0.5 * len(box_.size()) >= 0x1p-60;
+  const TPointRange range = range_Blocks(msh_.n_vtx, [&](uint32_t first, uint32_t end) {
+    TPointRange part;
+    for (uint32_t v = first; v < end; ++v) part.add(msh_.vtx[v]);
+    return part;
+  });
+  box_ = range.box;
+  return msh_.n_tri != 0 && range.is_finite && 0.5 * len(box_.size()) >= 0x1p-60;
 }
 
 bool CSweep::clear_Hit(const T3DVEC& direction, const TSweepRays& rays) {
