@@ -25,9 +25,8 @@ inline constexpr float kReachBeyond = 1.25f;
 inline constexpr float kEdge = 0x1p-21f, kLongEdge = 0x1p-24f, kLeast = 0x1p-43f;
 // Of the side of a triangle, likewise.
 inline constexpr float kSide = 0x1p-22f, kReach = 0x1p-20f, kLongSide = 0x1p-42f;
-inline constexpr float kTilts = 2.125f;
-// Of a component of a normal; and how deep below a triangle a ray may start.
-inline constexpr float kNormal = 0x1.1p-23f, kDepth = 2.5f;
+// Of a component of a normal; and how that adds to the side of a thin triangle.
+inline constexpr float kNormal = 0x1.1p-23f, kTilts = 1.1875f;
 // A triangle's own box reaches no farther from its corners than this many of its lengths.
 inline constexpr float kDeep = 2.25f;
 

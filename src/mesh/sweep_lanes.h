@@ -33,7 +33,8 @@ struct TFlatMesh {
 // and the normal, which is not a unit vector. The rest are bounds: beyond `edge` the sides of the
 // three edges that are computed of a ray have the signs that hit_Tri finds, and beyond `side` that
 // of the triangle. Beyond `clear` they also tell that nothing is flat or on an edge; infinite for
-// thin triangles, which lie so steep that their area in the plane is no measure of them.
+// thin triangles, which lie so steep that their area in the plane is no measure of them. `steep`,
+// which is 0 for others, adds to their `side` for each unit of x, y and z that a ray is from a.
 //
 // A sure triangle, whose area is kSure times as large as `clear` or more, has 0 for its `edge`. Its
 // edges and its area are divided by -clear, its normal by `side`, all of them by the sign of its
@@ -56,6 +57,7 @@ struct TFlats {
   alignas(64) float edge[kFlatRow];
   alignas(64) float side[kFlatRow];
   alignas(64) float clear[kFlatRow];
+  alignas(64) float steep[kFlatRow];
   alignas(64) float low_x[kFlatRow];
   alignas(64) float high_x[kFlatRow];
   alignas(64) float low_y[kFlatRow];

@@ -60,7 +60,7 @@ TRect get_Rect(const TFlat& f) {
 }
 
 struct TBounds {
-  float edge, side, clear;
+  float edge, side, clear, steep;
 };
 
 // For rays no farther than `reach` from corner a, in x and in y.
@@ -72,10 +72,11 @@ TBounds get_Bounds(const TFlat& f, float least, float reach) {
       kEdge * (2.0f * f.wide + reach) * (1.0f + 4.0f * f.wide) + kLongEdge * f.longest + kLeast;
   b.side = kSide * (across + up) + kReach * reach * across + kLongSide * f.longest + kLeast;
   if (f.is_thin) {
-    b.side += (kTilts * reach + kDepth) * tilt;
+    b.steep = kTilts * tilt;
     b.clear = kInfinite;
   } else {
     b.side += tilt / (up - tilt) * reach * (across + 2.0f * up);
+    b.steep = 0.0f;
     b.clear = 2.0f * b.edge + kClear * least;
   }
   return b;
@@ -102,11 +103,14 @@ TFinding judge_Sure(float side, float ab, float bc, float ca) {
   return {most < -1.0f, most > 1.0f};
 }
 
-// Of others: the bounds hold within those in x and y alone, which tell most of thin ones.
-TFinding judge_Unsure(const TFlats& f, uint32_t i, float x, float y, TFinding finding) {
-  const bool outside =
-      (x < f.low_x[i]) | (x > f.high_x[i]) | (y < f.low_y[i]) | (y > f.high_y[i]);
-  return outside ? TFinding{false, true} : finding;
+// Of others, for a ray at x and y, and q from corner a: the bounds hold within those in x and
+// y alone, which tell most of thin ones.
+TFinding judge_Unsure(const TFlats& f, uint32_t i, float x, float y, float qx, float qy, float qz,
+                      float side, float ab, float bc, float ca) {
+  if ((x < f.low_x[i]) | (x > f.high_x[i]) | (y < f.low_y[i]) | (y > f.high_y[i]))
+    return {false, true};
+  const float away = std::fabs(qx) + std::fabs(qy) + std::fabs(qz);
+  return judge(side, ab, bc, ca, {f.edge[i], f.side[i] + f.steep[i] * away, f.clear[i], 0.0f});
 }
 
 // How the numbers of a triangle are stored (see TFlats).
@@ -137,6 +141,7 @@ bool flatten_Each(const TFlatMesh& mesh, const uint32_t* ids, uint32_t count, TF
     out.nx[i] = scales.normal * f.nx, out.ny[i] = scales.normal * f.ny;
     out.nz[i] = scales.normal * f.nz;
     out.edge[i] = scales.edge, out.side[i] = b.side, out.clear[i] = b.clear;
+    out.steep[i] = b.steep;
     out.low_x[i] = f.is_thin ? -kInfinite : r.low_x,
     out.high_x[i] = f.is_thin ? kInfinite : r.high_x;
     out.low_y[i] = f.is_thin ? -kInfinite : r.low_y,
@@ -203,7 +208,6 @@ uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const 
   for (uint32_t n = 0; n < count; ++n) {
     const uint32_t i = list[n];
     const bool is_sure = f.edge[i] == 0.0f;
-    const TBounds b = {f.edge[i], f.side[i], f.clear[i]};
     uint32_t hit = 0, missed = 0;
     for (uint32_t k = 0; k < kGroup; ++k) {
       const float x = rays.x[k] - f.ax[i], y = rays.y[k] - f.ay[i], z = rays.z[k] - f.az[i];
@@ -211,8 +215,8 @@ uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const 
       const float ab = f.abx[i] * y - f.aby[i] * x, ca = f.cax[i] * y - f.cay[i] * x;
       const float bc = f.area[i] - ab - ca;
       const TFinding finding = is_sure ? judge_Sure(side, ab, bc, ca)
-                                       : judge_Unsure(f, i, rays.x[k], rays.y[k],
-                                                      judge(side, ab, bc, ca, b));
+                                       : judge_Unsure(f, i, rays.x[k], rays.y[k], x, y, z, side,
+                                                      ab, bc, ca);
       hit |= (finding.hit ? 1u : 0u) << k;
       missed |= (finding.missed ? 1u : 0u) << k;
     }
