@@ -46,32 +46,22 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <utility>
 
 #include "foundation/parallel.h"
 #include "mesh/point_range.h"
-#include "mesh/ray_walk.h"
 #include "mesh/sweep_bounds.h"
 
 namespace undercut {
 
 namespace {
 
-constexpr double kPerTile = 96.0;         // triangles, on average
-constexpr double kPerRow = 16.0;          // triangles in a tile of a row, at least
-constexpr uint32_t kMostParts = 16;       // binned beside one another
-constexpr uint32_t kPerPart = 4096;       // triangles and rays, at least
-constexpr uint32_t kMostEntries = 32;     // tiles of a triangle, on average
-constexpr uint32_t kChunk = 32;           // triangles sifted at a time
-constexpr uint32_t kSamples = 4096;       // triangles that are measured
-constexpr double kTileBySide = 2.0;       // a tile's side, in those of rectangles of triangles
-constexpr uint32_t kFewFlats = 64;        // of a tile that is never answered by depth
-constexpr int64_t kDeepShare = 8;         // of them one triangle is sifted
-constexpr double kManyLayers = 24.0;      // of a tile that is answered by depth
-constexpr uint32_t kBlock = 16;           // tiles
-constexpr uint32_t kFewParts = 2;         // of so much work that even two pay for threads
-constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
-constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likewise
+constexpr double kPerTile = 96.0;      // triangles, on average
+constexpr double kPerRow = 16.0;       // triangles in a tile of a row, at least
+constexpr uint32_t kMostParts = 16;    // binned beside one another
+constexpr uint32_t kPerPart = 4096;    // triangles and rays, at least
+constexpr uint32_t kMostEntries = 32;  // tiles of a triangle, on average
+constexpr uint32_t kSamples = 1024;    // triangles that are measured
+constexpr double kTileBySide = 2.0;    // a tile's side, in those of rectangles of triangles
 
 // Axes across a direction, to the right-hand side of one another, and as long as told.
 void set_Axes(const T3DVEC& direction, double length, TAcross& across) {
@@ -94,32 +84,12 @@ T3DVEC greater(const T3DVEC& a, const T3DVEC& b) {
   return {std::max(a.x, b.x), std::max(a.y, b.y), std::max(a.z, b.z)};
 }
 
-// What a tile costs more than the tree would, in siftings of a triangle. Where it is answered by
-// depth only a part of the triangles is sifted.
-int64_t find_Excess(int64_t rays, int64_t triangles, bool is_deep) {
-  const int64_t groups = (rays + kGroup - 1) / kGroup;
-  return groups * triangles / (is_deep ? kDeepShare : 1) - kRayByTree * rays;
-}
-
 const TSweepLanes* fastest_Lanes() {
   if (avx512_Lanes()) return avx512_Lanes();
   return avx2_Lanes() ? avx2_Lanes() : &kPortableLanes;
 }
 
-// Even bins hold rays along the direction, odd ones those against it.
-uint8_t way_Bit(uint32_t bin) { return bin % 2 == 0 ? kSeesAhead : kSeesBehind; }
-void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
-
 }  // namespace
-
-// A tile and some of its triangles.
-struct CSweep::TTile {
-  explicit TTile(uint32_t tile) : number(tile) {}
-
-  uint32_t number;
-  uint32_t from = UINT32_MAX, count = 0;  // in the bin
-  TFlats flats;
-};
 
 bool CSweep::ini_Msh(const C3DTriAABBTree& tree, const TSweepLanes* lanes) {
   tree_ = &tree;
@@ -141,21 +111,9 @@ bool CSweep::clear_Hit(const T3DVEC& direction, const TSweepRays& rays) {
   const uint32_t worth = 1 + (msh_.n_tri + rays.count) / kPerPart;
   parts_ = std::min({kMostParts, worth, static_cast<uint32_t>(omp_get_max_threads())});
   lay_Tiles(place_Mesh());
-  if (!bin_Triangles() || !bin_Rays(rays)) return false;
-  asks_tree_ = prefers_Tree();
-  if (asks_tree_) tree_->BuildRays();
-
-  // Blocks of tiles, far from one another: threads take runs of them, and places with much work are
-  // close together. The factor is a prime, so each block is met once.
-  const uint32_t blocks = tiles_.count() / kBlock + 1;
-  each_Index(
-      blocks,
-      [&](uint32_t i) {
-        const auto block = static_cast<uint32_t>(uint64_t{i} * 2654435761u % blocks);
-        const uint32_t end = std::min((block + 1) * kBlock, tiles_.count());
-        for (uint32_t tile = block * kBlock; tile < end; ++tile) answer_Tile(rays, tile);
-      },
-      parts_ > 1 ? kFewParts : UINT32_MAX);
+  if (!bin_Triangles()) return false;
+  bin_Rays(rays);
+  answer_Tiles(rays);
   return true;
 }
 
@@ -221,21 +179,19 @@ CSweep::TFlatBox CSweep::place_Mesh() {
   return boxes[0];
 }
 
-// Means over some of the triangles, evenly spread in their list.
-void CSweep::sample_Mesh(double& side, double& area) const {
+// The mean side of the rectangles of some triangles, evenly spread in their list.
+double CSweep::find_Side() const {
   const uint32_t step = 1 + msh_.n_tri / kSamples;
   uint32_t count = 0;
-  side = area = 0;
+  double sum = 0;
   for (uint32_t t = 0; t < msh_.n_tri; t += step, ++count) {
     const TFlatVec &a = points_[msh_.tri[t].a], &b = points_[msh_.tri[t].b];
     const TFlatVec& c = points_[msh_.tri[t].c];
     const auto [low_x, high_x] = std::minmax({a.x, b.x, c.x});
     const auto [low_y, high_y] = std::minmax({a.y, b.y, c.y});
-    side += 0.5 * ((high_x - low_x) + (high_y - low_y));
-    area += 0.5 * std::fabs((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x));
+    sum += 0.5 * ((high_x - low_x) + (high_y - low_y));
   }
-  side /= count;
-  area /= count;
+  return sum / count;
 }
 
 // As many triangles in a tile as pay best, if they were spread evenly, but tiles larger than these.
@@ -243,13 +199,8 @@ void CSweep::sample_Mesh(double& side, double& area) const {
 void CSweep::lay_Tiles(const TFlatBox& box) {
   const double width = box.high_x - box.low_x, height = box.high_y - box.low_y;
   const double n = msh_.n_tri;
-  double side, area;
-  sample_Mesh(side, area);
   tile_ = std::max(std::sqrt(width * height * kPerTile / n), 0x1p-14);
-  tile_ = std::max({tile_, (width + height) * kPerRow / n, kTileBySide * side});
-  deep_ = static_cast<uint32_t>(
-      std::min(kManyLayers * tile_ * tile_ / std::max(area, 1e-30), double{UINT32_MAX}));
-  deep_ = std::max(deep_, kFewFlats);
+  tile_ = std::max({tile_, (width + height) * kPerRow / n, kTileBySide * find_Side()});
   tiles_.low_x = box.low_x;
   tiles_.low_y = box.low_y;
   tiles_.per_unit = static_cast<float>(1.0 / tile_);
@@ -308,19 +259,17 @@ bool CSweep::bin_Triangles() {
     perhaps(down, tile + tiles_.columns, 1);
     perhaps(across & down, tile + tiles_.columns + 1, 2);
   };
-  count_Groups(msh_.n_tri, tiles, triangles_,
-               [&](uint32_t first, uint32_t count, CBins::CRow& row) {
-                 uint32_t thin = lanes_->find_Spans(mesh, first, count, tiles_,
-                                                    {&columns_[first], &rows_[first]});
-                 for (; thin != 0; thin &= thin - 1)
-                   span_Shadow(first + static_cast<uint32_t>(std::countr_zero(thin)));
-                 for (uint32_t t = first; t < first + count; ++t)
-                   each_Tile(
-                       t, [&](uint32_t tile) { row.count(tile); },
-                       [&](uint32_t is, uint32_t tile, uint32_t spare) {
-                         row.count_If(is, tile, spare);
-                       });
-               });
+  count_Groups(
+      msh_.n_tri, tiles, triangles_, [&](uint32_t first, uint32_t count, CBins::CRow& row) {
+        uint32_t thin =
+            lanes_->find_Spans(mesh, first, count, tiles_, {&columns_[first], &rows_[first]});
+        for (; thin != 0; thin &= thin - 1)
+          span_Shadow(first + static_cast<uint32_t>(std::countr_zero(thin)));
+        for (uint32_t t = first; t < first + count; ++t)
+          each_Tile(
+              t, [&](uint32_t tile) { row.count(tile); },
+              [&](uint32_t is, uint32_t tile, uint32_t spare) { row.count_If(is, tile, spare); });
+      });
   if (!triangles_.make_Room(uint64_t{kMostEntries} * msh_.n_tri)) return false;
   put_Groups(msh_.n_tri, triangles_, [&](uint32_t t, CBins::CRow& row) {
     each_Tile(
@@ -343,146 +292,26 @@ void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBi
       lanes_->place_Rays(flat_Mesh(), across_, tiles_, rays.orgs, starts, own, out);
   for (uint32_t k = 0; k < count; ++k) {
     uint8_t& sight = rays.sight[first + k];
-    const uint32_t closed = (hits >> k & 1u) * kSeesAhead | (hits >> (k + kGroup) & 1u) * kSeesBehind;
+    const uint32_t closed =
+        (hits >> k & 1u) * kSeesAhead | (hits >> (k + kGroup) & 1u) * kSeesBehind;
     sight &= static_cast<uint8_t>(~closed);
     if (sight & kSeesAhead) row.count(2 * out.tile[k]);
     if (sight & kSeesBehind) row.count(2 * out.tile[k] + 1);
   }
 }
 
-bool CSweep::bin_Rays(const TSweepRays& rays) {
+void CSweep::bin_Rays(const TSweepRays& rays) {
   const uint32_t bins = 2 * tiles_.count();
   for (CScratch<float>* row : {&x_, &y_, &z_}) row->resize(size_t{rays.count} + kGroup);
   tile_of_.resize(size_t{rays.count} + kGroup);
-  count_Groups(rays.count, bins, rays_,
-               [&](uint32_t first, uint32_t count, CBins::CRow& row) {
-                 ask_Own(rays, first, count, row);
-               });
-  if (!rays_.make_Room(UINT32_MAX)) return false;
+  count_Groups(rays.count, bins, rays_, [&](uint32_t first, uint32_t count, CBins::CRow& row) {
+    ask_Own(rays, first, count, row);
+  });
+  rays_.make_Room(UINT32_MAX);  // two of each ray at most, which are fewer than 2^28
   put_Groups(rays.count, rays_, [&](uint32_t i, CBins::CRow& row) {
     if (rays.sight[i] & kSeesAhead) row.put(2 * tile_of_[i], i);
     if (rays.sight[i] & kSeesBehind) row.put(2 * tile_of_[i] + 1, i);
   });
-  return true;
-}
-
-// Whether the rays of a bin would cost less in the tree.
-bool CSweep::is_Crowded(uint32_t bin) const {
-  return find_Excess(rays_.count(bin), triangles_.count(bin / 2), is_Deep(bin / 2)) > 0;
-}
-
-// Whether the crowded bins are worth the tree.
-bool CSweep::prefers_Tree() const {
-  int64_t excess = 0;
-  for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin)
-    excess += std::max(int64_t{0}, find_Excess(rays_.count(bin), triangles_.count(bin / 2),
-                                               is_Deep(bin / 2)));
-  return excess > (tree_->has_Rays() ? 0 : int64_t{kTreeByTriangle} * msh_.n_tri);
-}
-
-void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
-  const T3DVEC way = bin % 2 == 0 ? direction_ : -direction_;
-  for (uint32_t k = rays_.begin(bin); k < rays_.begin(bin + 1); ++k) {
-    const uint32_t i = *rays_.entries(k);
-    if (tree_->AnyHit({rays.orgs[rays.id(i)], way})) close_Way(rays.sight[i], bin);
-  }
-}
-
-// Of a thin triangle nothing is known but that a ray must come to its own box.
-void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const {
-  for (uint32_t i = 0; i < count; ++i) {
-    if (flats.clear[i] < kInfinite) continue;
-    C3DAABB own;
-    own.from_Tri(get_Fac(msh_, ids[i]));
-    const TFlatBox box = shadow(own);
-    flats.low_x[i] = box.low_x;
-    flats.high_x[i] = box.high_x;
-    flats.low_y[i] = box.low_y;
-    flats.high_y[i] = box.high_y;
-  }
-}
-
-// The corner of a tile.
-TCorner CSweep::find_Corner(uint32_t tile) const {
-  return {static_cast<float>(tiles_.low_x + tile % tiles_.columns * tile_),
-          static_cast<float>(tiles_.low_y + tile / tiles_.columns * tile_),
-          static_cast<float>(1.0 / tile_)};
-}
-
-void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number) {
-  TTile tile(number);
-  for (uint32_t bin = 2 * number; bin < 2 * number + 2; ++bin) {
-    if (rays_.count(bin) == 0) continue;
-    if (asks_tree_ && is_Crowded(bin)) {
-      ask_Tree(rays, bin);
-      continue;
-    }
-    if (is_Deep(number)) {
-      order_Triangles(flat_Mesh(), bin % 2 == 0 ? 1.0f : -1.0f, triangles_.count(number),
-                      triangles_.entries(triangles_.begin(number)));
-      tile.from = UINT32_MAX;
-    }
-    const uint32_t end = rays_.begin(bin + 1);
-    for (uint32_t first = rays_.begin(bin); first < end; first += kMostRays)
-      answer_Rays(rays, bin, rays_.entries(first), std::min(kMostRays, end - first), tile);
-  }
-}
-
-// Makes flats of the triangles from `from` on.
-void CSweep::lay_Flats(uint32_t from, TTile& tile) const {
-  if (tile.from == from) return;
-  tile.from = from;
-  tile.count = std::min(kMostFlats, triangles_.begin(tile.number + 1) - from);
-  const uint32_t* ids = triangles_.entries(from);
-  if (lanes_->flatten(flat_Mesh(), ids, tile.count, tile.flats))
-    narrow_Thin(ids, tile.count, tile.flats);
-}
-
-// Holds rays of a tile against its triangles.
-void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
-                         TTile& tile) const {
-  TTileRays asked;
-  asked.way = bin % 2 == 0 ? 1.0f : -1.0f;
-  order_Rays({x_.data(), y_.data(), z_.data()}, list, count, find_Corner(tile.number),
-             is_Deep(tile.number), asked);
-  uint16_t alive[kMostGroups];
-  for (uint32_t k = 0; k < count; k += kGroup)
-    alive[k / kGroup] = static_cast<uint16_t>((1u << std::min(kGroup, count - k)) - 1);
-  const uint32_t end = triangles_.begin(tile.number + 1);
-  for (uint32_t from = triangles_.begin(tile.number); from < end; from += kMostFlats) {
-    lay_Flats(from, tile);
-    for (uint32_t k = 0; k < count; k += kGroup) {
-      uint32_t hits = find_Hits(rays, asked, k, alive[k / kGroup], tile);
-      alive[k / kGroup] &= static_cast<uint16_t>(~hits);
-      for (; hits != 0; hits &= hits - 1)
-        close_Way(rays.sight[asked.ray[k + static_cast<uint32_t>(std::countr_zero(hits))]], bin);
-    }
-  }
-}
-
-// Which of the alive rays of a group hit a triangle.
-uint32_t CSweep::find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
-                           uint32_t alive, const TTile& tile) const {
-  if (alive == 0) return 0;
-  const TGroup group = asked.group(first);
-  const T3DVEC way = group.way > 0.0f ? direction_ : -direction_;
-  const uint32_t* ids = triangles_.entries(tile.from);
-  uint32_t list[kMostFlats + kGroup], hits = 0;
-  const uint32_t listed = lanes_->select(tile.flats, tile.count, group, list);
-  for (uint32_t e = 0; e < listed && alive != hits; e += kChunk) {
-    TSifted sifted[kChunk];
-    const uint32_t found = lanes_->sift(tile.flats, list + e, std::min(kChunk, listed - e), group,
-                                        alive & ~hits, sifted);
-    for (uint32_t s = 0; s < found; ++s) {
-      hits |= sifted[s].hit;
-      for (uint32_t bits = sifted[s].unclear & ~hits; bits != 0; bits &= bits - 1) {
-        const auto k = static_cast<uint32_t>(std::countr_zero(bits));
-        const T3DVEC& org = rays.orgs[rays.id(asked.ray[first + k])];
-        if (hit_Own({org, way}, msh_, ids[sifted[s].at])) hits |= 1u << k;
-      }
-    }
-  }
-  return hits;
 }
 
 }  // namespace undercut

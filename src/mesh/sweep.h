@@ -49,6 +49,8 @@ class CSweep {
   bool clear_Hit(const T3DVEC& direction, const TSweepRays& rays);
 
  private:
+  static constexpr uint32_t kFewParts = 2;  // of so much work that even two pay for threads
+
   struct TTile;
   struct TFlatBox {
     float low_x, high_x, low_y, high_y;
@@ -57,7 +59,7 @@ class CSweep {
   bool set_Across(const T3DVEC& direction, const C3DAABB& starts);
   TFlatBox shadow(const C3DAABB& box) const;
   TFlatBox place_Mesh();
-  void sample_Mesh(double& side, double& area) const;
+  double find_Side() const;
   void lay_Tiles(const TFlatBox& box);
   template <typename Body>
   void each_Part(uint32_t count, Body body) const;
@@ -69,11 +71,15 @@ class CSweep {
   void span_Shadow(uint32_t t);
   bool bin_Triangles();
   void ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBins::CRow& row);
-  bool bin_Rays(const TSweepRays& rays);
+  void bin_Rays(const TSweepRays& rays);
+  void answer_Tiles(const TSweepRays& rays);
+  void find_Deep();
   bool is_Crowded(uint32_t bin) const;
   bool prefers_Tree() const;
+  uint64_t find_Work(uint32_t tile) const;
+  uint32_t share_Tiles();
   TCorner find_Corner(uint32_t tile) const;
-  bool is_Deep(uint32_t tile) const { return triangles_.count(tile) > deep_; }
+  void fetch_Ahead(uint32_t tile) const;
   void answer_Tile(const TSweepRays& rays, uint32_t number);
   void answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
                    TTile& tile) const;
@@ -90,17 +96,18 @@ class CSweep {
   T3DVEC direction_ = {};
   TAcross across_ = {};
   TTiles tiles_ = {};
-  double tile_ = 0;             // side of a tile
-  uint32_t deep_ = 0;           // tiles of more triangles are answered by depth
-  float least_ = 0;             // see TFlatMesh
-  uint32_t parts_ = 1;          // of triangles or rays, binned beside one another
-  bool asks_tree_ = false;      // for crowded bins
-  CScratch<TFlatVec> points_;   // the vertices
+  double tile_ = 0;                    // side of a tile
+  float least_ = 0;                    // see TFlatMesh
+  uint32_t parts_ = 1;                 // of triangles or rays, binned beside one another
+  CScratch<uint8_t> is_deep_;          // of the tiles: answered by depth
+  bool asks_tree_ = false;             // for crowded bins
+  CScratch<uint32_t> runs_;            // of tiles
+  CScratch<TFlatVec> points_;          // the vertices
   CScratch<uint32_t> columns_, rows_;  // of tiles that the triangles lie over
-  CBins triangles_;             // one bin a tile
-  CScratch<float> x_, y_, z_;   // where the rays start
-  CScratch<uint32_t> tile_of_;  // of the rays
-  CBins rays_;                  // two bins a tile: rays along the direction, and against it
+  CBins triangles_;                    // one bin a tile
+  CScratch<float> x_, y_, z_;          // where the rays start
+  CScratch<uint32_t> tile_of_;         // of the rays
+  CBins rays_;                         // two bins a tile: rays along the direction, and against it
 };
 
 }  // namespace undercut

@@ -1,0 +1,249 @@
+// The tiles of a sweep: what each of them costs, and which of its rays are hit.
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include "foundation/parallel.h"
+#include "mesh/ray_walk.h"
+#include "mesh/sweep.h"
+#include "mesh/sweep_bounds.h"
+
+namespace undercut {
+
+namespace {
+
+constexpr uint32_t kChunk = 32;           // triangles sifted at a time
+constexpr uint32_t kTileSamples = 32;     // triangles of a tile that are measured
+constexpr uint32_t kFewFlats = 128;       // of a tile that is never answered by depth
+constexpr uint32_t kDeepShare = 8;        // of them one triangle is sifted
+constexpr double kManyLayers = 24.0;      // of a tile that is answered by depth
+constexpr uint32_t kRunsPerPart = 32;     // of tiles
+constexpr uint64_t kWorkByRay = 8;        // what a ray takes besides, in siftings of a triangle
+constexpr uint64_t kWorkByTriangle = 8;   // what a triangle takes besides, likewise
+constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
+constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likewise
+
+// What a tile costs more than the tree would, in siftings of a triangle. Where it is answered by
+// depth only a part of the triangles is sifted.
+int64_t find_Excess(int64_t rays, int64_t triangles, bool is_deep) {
+  const int64_t groups = (rays + kGroup - 1) / kGroup;
+  return groups * triangles / (is_deep ? kDeepShare : 1) - kRayByTree * rays;
+}
+
+// Even bins hold rays along the direction, odd ones those against it.
+uint8_t way_Bit(uint32_t bin) { return bin % 2 == 0 ? kSeesAhead : kSeesBehind; }
+void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
+
+}  // namespace
+
+// A tile and some of its triangles.
+struct CSweep::TTile {
+  explicit TTile(uint32_t tile) : number(tile) {}
+
+  uint32_t number;
+  uint32_t from = UINT32_MAX, count = 0;  // in the bin
+  TFlats flats;
+};
+
+void CSweep::answer_Tiles(const TSweepRays& rays) {
+  find_Deep();
+  asks_tree_ = prefers_Tree();
+  if (asks_tree_) tree_->BuildRays();
+
+  // Runs of tiles far from one another, since the work of neighbours is foretold wrongly in the
+  // same way. The factor is a prime, so each run is met once.
+  const uint32_t runs = share_Tiles();
+  each_Index(
+      runs,
+      [&](uint32_t i) {
+        const auto run = static_cast<uint32_t>(uint64_t{i} * 2654435761u % runs);
+        for (uint32_t tile = runs_[run]; tile < runs_[run + 1]; ++tile) answer_Tile(rays, tile);
+      },
+      kFewParts);
+}
+
+// Which tiles are covered many times over, by the areas of some of their triangles.
+void CSweep::find_Deep() {
+  is_deep_.resize(tiles_.count());
+  each_Index(tiles_.count(), [&](uint32_t tile) {
+    const uint32_t count = triangles_.count(tile), step = 1 + count / kTileSamples;
+    double sum = 0;
+    for (uint32_t i = 0; count > kFewFlats && i < count; i += step) {
+      const T3DTRI& t = msh_.tri[*triangles_.entries(triangles_.begin(tile) + i)];
+      const TFlatVec &a = points_[t.a], &b = points_[t.b], &c = points_[t.c];
+      sum += 0.5 * std::fabs((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x));
+    }
+    is_deep_[tile] = sum * step > kManyLayers * tile_ * tile_ ? 1 : 0;
+  });
+}
+
+// Whether the rays of a bin would cost less in the tree.
+bool CSweep::is_Crowded(uint32_t bin) const {
+  return find_Excess(rays_.count(bin), triangles_.count(bin / 2), is_deep_[bin / 2] != 0) > 0;
+}
+
+// What a tile takes, in siftings of a triangle, about.
+uint64_t CSweep::find_Work(uint32_t tile) const {
+  const uint64_t triangles = triangles_.count(tile);
+  uint64_t work = 0;
+  for (uint32_t bin = 2 * tile; bin < 2 * tile + 2; ++bin) {
+    const uint64_t rays = rays_.count(bin);
+    if (rays == 0) continue;
+    work += kWorkByRay * rays;
+    work += asks_tree_ && is_Crowded(bin) ? kRayByTree * rays
+                                          : (kWorkByTriangle + (rays + kGroup - 1) / kGroup) *
+                                                triangles / (is_deep_[tile] ? kDeepShare : 1);
+  }
+  return work + 1;
+}
+
+// Cuts the tiles into runs of equal work, run k from runs_[k] to runs_[k + 1]; their number.
+uint32_t CSweep::share_Tiles() {
+  const uint32_t tiles = tiles_.count();
+  const uint32_t runs = parts_ > 1 ? std::min(parts_ * kRunsPerPart, tiles) : 1;
+  runs_.resize(size_t{runs} + 1);
+  uint64_t all = 0, sum = 0;
+  for (uint32_t tile = 0; tile < tiles; ++tile) all += find_Work(tile);
+  uint32_t run = 0;
+  for (uint32_t tile = 0; tile < tiles; ++tile) {
+    for (; run <= sum * runs / all; ++run) runs_[run] = tile;
+    sum += find_Work(tile);
+  }
+  for (; run <= runs; ++run) runs_[run] = tiles;
+  return runs;
+}
+
+// Whether the crowded bins are worth the tree.
+bool CSweep::prefers_Tree() const {
+  int64_t excess = 0;
+  for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin)
+    excess += std::max(int64_t{0}, find_Excess(rays_.count(bin), triangles_.count(bin / 2),
+                                               is_deep_[bin / 2] != 0));
+  return excess > (tree_->has_Rays() ? 0 : int64_t{kTreeByTriangle} * msh_.n_tri);
+}
+
+void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
+  const T3DVEC way = bin % 2 == 0 ? direction_ : -direction_;
+  for (uint32_t k = rays_.begin(bin); k < rays_.begin(bin + 1); ++k) {
+    const uint32_t i = *rays_.entries(k);
+    if (tree_->AnyHit({rays.orgs[rays.id(i)], way})) close_Way(rays.sight[i], bin);
+  }
+}
+
+// Of a thin triangle nothing is known but that a ray must come to its own box.
+void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const {
+  for (uint32_t i = 0; i < count; ++i) {
+    if (flats.clear[i] < kInfinite) continue;
+    C3DAABB own;
+    own.from_Tri(get_Fac(msh_, ids[i]));
+    const TFlatBox box = shadow(own);
+    flats.low_x[i] = box.low_x;
+    flats.high_x[i] = box.high_x;
+    flats.low_y[i] = box.low_y;
+    flats.high_y[i] = box.high_y;
+  }
+}
+
+// The corner of a tile.
+TCorner CSweep::find_Corner(uint32_t tile) const {
+  return {static_cast<float>(tiles_.low_x + tile % tiles_.columns * tile_),
+          static_cast<float>(tiles_.low_y + tile / tiles_.columns * tile_),
+          static_cast<float>(1.0 / tile_)};
+}
+
+// Brings what the next tiles need close while this one is answered: triangles two tiles ahead,
+// their corners and the rays one.
+void CSweep::fetch_Ahead(uint32_t tile) const {
+  const uint32_t next = std::min(tile + 1, tiles_.count()),
+                 last = std::min(tile + 2, tiles_.count());
+  const uint32_t after = std::min(tile + 3, tiles_.count());
+  for (uint32_t k = triangles_.begin(last); k < triangles_.begin(after); ++k)
+    __builtin_prefetch(&msh_.tri[*triangles_.entries(k)]);
+  for (uint32_t k = triangles_.begin(next); k < triangles_.begin(last); ++k) {
+    const T3DTRI& t = msh_.tri[*triangles_.entries(k)];
+    for (const uint32_t corner : {t.a, t.b, t.c}) __builtin_prefetch(&points_[corner]);
+  }
+  for (uint32_t k = rays_.begin(2 * next); k < rays_.begin(2 * last); ++k) {
+    const uint32_t i = *rays_.entries(k);
+    for (const float* row : {x_.data(), y_.data(), z_.data()}) __builtin_prefetch(row + i);
+  }
+}
+
+void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number) {
+  fetch_Ahead(number);
+  TTile tile(number);
+  for (uint32_t bin = 2 * number; bin < 2 * number + 2; ++bin) {
+    if (rays_.count(bin) == 0) continue;
+    if (asks_tree_ && is_Crowded(bin)) {
+      ask_Tree(rays, bin);
+      continue;
+    }
+    if (is_deep_[number]) {
+      order_Triangles(flat_Mesh(), bin % 2 == 0 ? 1.0f : -1.0f, triangles_.count(number),
+                      triangles_.entries(triangles_.begin(number)));
+      tile.from = UINT32_MAX;
+    }
+    const uint32_t end = rays_.begin(bin + 1);
+    for (uint32_t first = rays_.begin(bin); first < end; first += kMostRays)
+      answer_Rays(rays, bin, rays_.entries(first), std::min(kMostRays, end - first), tile);
+  }
+}
+
+// Makes flats of the triangles from `from` on.
+void CSweep::lay_Flats(uint32_t from, TTile& tile) const {
+  if (tile.from == from) return;
+  tile.from = from;
+  tile.count = std::min(kMostFlats, triangles_.begin(tile.number + 1) - from);
+  const uint32_t* ids = triangles_.entries(from);
+  if (lanes_->flatten(flat_Mesh(), ids, tile.count, tile.flats))
+    narrow_Thin(ids, tile.count, tile.flats);
+}
+
+// Holds rays of a tile against its triangles.
+void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
+                         TTile& tile) const {
+  TTileRays asked;
+  asked.way = bin % 2 == 0 ? 1.0f : -1.0f;
+  order_Rays({x_.data(), y_.data(), z_.data()}, list, count, find_Corner(tile.number),
+             is_deep_[tile.number], asked);
+  uint16_t alive[kMostGroups];
+  for (uint32_t k = 0; k < count; k += kGroup)
+    alive[k / kGroup] = static_cast<uint16_t>((1u << std::min(kGroup, count - k)) - 1);
+  const uint32_t end = triangles_.begin(tile.number + 1);
+  for (uint32_t from = triangles_.begin(tile.number); from < end; from += kMostFlats) {
+    lay_Flats(from, tile);
+    for (uint32_t k = 0; k < count; k += kGroup) {
+      uint32_t hits = find_Hits(rays, asked, k, alive[k / kGroup], tile);
+      alive[k / kGroup] &= static_cast<uint16_t>(~hits);
+      for (; hits != 0; hits &= hits - 1)
+        close_Way(rays.sight[asked.ray[k + static_cast<uint32_t>(std::countr_zero(hits))]], bin);
+    }
+  }
+}
+
+// Which of the alive rays of a group hit a triangle.
+uint32_t CSweep::find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
+                           uint32_t alive, const TTile& tile) const {
+  if (alive == 0) return 0;
+  const TGroup group = asked.group(first);
+  const T3DVEC way = group.way > 0.0f ? direction_ : -direction_;
+  const uint32_t* ids = triangles_.entries(tile.from);
+  uint32_t list[kMostFlats + kGroup], hits = 0;
+  const uint32_t listed = lanes_->select(tile.flats, tile.count, group, list);
+  for (uint32_t e = 0; e < listed && alive != hits; e += kChunk) {
+    TSifted sifted[kChunk];
+    const uint32_t found = lanes_->sift(tile.flats, list + e, std::min(kChunk, listed - e), group,
+                                        alive & ~hits, sifted);
+    for (uint32_t s = 0; s < found; ++s) {
+      hits |= sifted[s].hit;
+      for (uint32_t bits = sifted[s].unclear & ~hits; bits != 0; bits &= bits - 1) {
+        const auto k = static_cast<uint32_t>(std::countr_zero(bits));
+        const T3DVEC& org = rays.orgs[rays.id(asked.ray[first + k])];
+        if (hit_Own({org, way}, msh_, ids[sifted[s].at])) hits |= 1u << k;
+      }
+    }
+  }
+  return hits;
+}
+
+}  // namespace undercut
