@@ -9,11 +9,12 @@
 //
 // - Rounding to single precision moves a vertex by u / 2, a ray by u. So edges err by u (1 + M) in
 //   each part, q by u (1.5 + g), the sides of ab and ca by u (2 g + 3 m + 8 m g), that of bc, which
-//   is S less the two, by u (10 m + 12 m^2 + 4 g + 22 m g); 8 u (2 m + g) (1 + 4 m) is more.
+//   is S less the two, by u (10 m + 12 m^2 + 4 g + 22 m g); 8 u (2 m + g) (1 + 4 m) is more, also
+//   where scaled numbers are rounded once more.
 // - A component of n errs by c = 4 u M (1 + 2 M), and by S / 2 at most if the triangle isn't thin.
-//   n q errs by c (2 g + |q.z|) + 1.5 u |n| + 5 u (g A + |n q|) with A = |n.x| + |n.y|. For thin
-//   ones |q.z| is 2.1 at most. For others |q.z| is (|n q| + g A) / |S| at most, and solving for n q
-//   gives the bound g (A + 2 |S|) c / (|S| - c) + 3 u |n| + 9 u g A.
+//   n q errs by c (|q.x| + |q.y| + |q.z|) + 1.5 u |n| + 7 u g A + 4 u |n q| with A = |n.x| + |n.y|.
+//   For thin ones that is the bound. For others |q.z| is (|n q| + g A) / |S| at most, and solving
+//   for n q gives the bound g (A + 2 |S|) c / (|S| - c) + 3 u |n| + 11 u g A.
 // - hit_Tri itself errs by 2^-45 and 2^-33 of the longest edge for e, since (org + dir) - org isn't
 //   dir, and by 2^-47 M^2 for n q. Added to the above that makes `edge` and `side`: beyond them the
 //   signs are those that hit_Tri finds.
@@ -31,10 +32,18 @@
 // are 2^-24 and more, so the ray leaves each slab at least 2^-46 after it enters any other, while
 // the quotients of hit_Box err by 2^-51 of themselves.
 //
-// A ray isn't held against a triangle at all
+// The e add up to S. Where S is four times `clear`, some e is beyond it with the sign of S: such a
+// sure triangle is missed where any other e or n q is beyond its bound with the sign that misses,
+// and hit where none is but all are beyond with the other: the greatest of four numbers tells.
+//
+// A ray isn't held against a triangle, or misses it whatever is computed,
 // - where P lies outside of its rectangle, widened by m / 8 and by 2^-19 at least. Then some e is
 //   -S / 29 at most and another S / 3 at least, for positive S: clear of the errors of hit_Tri, and
-//   in the projection of hit_TriFlat by more than 2^-49 K^2. So it misses.
+//   in the projection of hit_TriFlat by more than 2^-49 K^2. So it misses. Bounds are those for
+//   rays within, g = 1.25 m + 2^-18; beyond, errors grow no faster than the e that is negative, so
+//   no hit is found where there is none.
+// - where it runs away from the heights of the corners, widened by an eighth of their range and by
+//   2^-19. Then n q has the sign that misses, or P lies outside as above.
 // - where P lies outside of the shadow of its own box, if it is thin, or the ray runs away from
 //   that box, which reaches no farther from a than 2.5 M. Then hit_Box fails.
 // Thin triangles are those with S below 2^-19 M + `least`; `least`, 2^-30 or 2^-42 K^2, is what
@@ -287,7 +296,7 @@ void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBi
     starts[k] = rays.id(first + std::min(k, count - 1));
     own[k] = std::min(starts[k], msh_.n_tri - 1);
   }
-  const TPlaced out = {&x_[first], &y_[first], &z_[first], &tile_of_[first]};
+  const TPlaced out = {&x_[first], &y_[first], &z_[first], &spot_[first]};
   const uint32_t hits =
       lanes_->place_Rays(flat_Mesh(), across_, tiles_, rays.orgs, starts, own, out);
   for (uint32_t k = 0; k < count; ++k) {
@@ -295,22 +304,22 @@ void CSweep::ask_Own(const TSweepRays& rays, uint32_t first, uint32_t count, CBi
     const uint32_t closed =
         (hits >> k & 1u) * kSeesAhead | (hits >> (k + kGroup) & 1u) * kSeesBehind;
     sight &= static_cast<uint8_t>(~closed);
-    if (sight & kSeesAhead) row.count(2 * out.tile[k]);
-    if (sight & kSeesBehind) row.count(2 * out.tile[k] + 1);
+    if (sight & kSeesAhead) row.count(2 * (out.spot[k] >> 8));
+    if (sight & kSeesBehind) row.count(2 * (out.spot[k] >> 8) + 1);
   }
 }
 
 void CSweep::bin_Rays(const TSweepRays& rays) {
   const uint32_t bins = 2 * tiles_.count();
   for (CScratch<float>* row : {&x_, &y_, &z_}) row->resize(size_t{rays.count} + kGroup);
-  tile_of_.resize(size_t{rays.count} + kGroup);
+  spot_.resize(size_t{rays.count} + kGroup);
   count_Groups(rays.count, bins, rays_, [&](uint32_t first, uint32_t count, CBins::CRow& row) {
     ask_Own(rays, first, count, row);
   });
-  rays_.make_Room(UINT32_MAX);  // two of each ray at most, which are fewer than 2^28
+  rays_.make_Room(UINT32_MAX);  // two of each ray at most, which are fewer than 2^27
   put_Groups(rays.count, rays_, [&](uint32_t i, CBins::CRow& row) {
-    if (rays.sight[i] & kSeesAhead) row.put(2 * tile_of_[i], i);
-    if (rays.sight[i] & kSeesBehind) row.put(2 * tile_of_[i] + 1, i);
+    if (rays.sight[i] & kSeesAhead) row.put(2 * (spot_[i] >> 8), i);
+    if (rays.sight[i] & kSeesBehind) row.put(2 * (spot_[i] >> 8) + 1, i);
   });
 }
 

@@ -25,7 +25,7 @@ inline constexpr uint8_t kSeesBehind = 2;
 // Ray i starts at orgs[t] with t = list[i], or t = i without a list; it is most likely to be hit by
 // triangle t. It is asked along the direction if sight[i] has kSeesAhead, and against it if
 // kSeesBehind. All listed starts must be finite, those that are not asked too, and their indices
-// below 2^28.
+// below 2^27.
 struct TSweepRays {
   const T3DVEC* orgs;
   C3DAABB box;  // of all starts
@@ -78,7 +78,6 @@ class CSweep {
   bool prefers_Tree() const;
   uint64_t find_Work(uint32_t tile) const;
   uint32_t share_Tiles();
-  TCorner find_Corner(uint32_t tile) const;
   void fetch_Ahead(uint32_t tile) const;
   void answer_Tile(const TSweepRays& rays, uint32_t number);
   void answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
@@ -106,7 +105,7 @@ class CSweep {
   CScratch<uint32_t> columns_, rows_;  // of tiles that the triangles lie over
   CBins triangles_;                    // one bin a tile
   CScratch<float> x_, y_, z_;          // where the rays start
-  CScratch<uint32_t> tile_of_;         // of the rays
+  CScratch<uint32_t> spot_;            // of the rays
   CBins rays_;                         // two bins a tile: rays along the direction, and against it
 };
 

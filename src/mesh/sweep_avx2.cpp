@@ -48,12 +48,25 @@ using I = __m256i;
   return static_cast<uint32_t>(_mm256_movemask_ps(m));
 }
 [[gnu::always_inline]] inline I truncate(V a) { return _mm256_cvttps_epi32(a); }
-[[gnu::always_inline]] inline I with_Upper(I low, I high) {
-  return _mm256_or_si256(low, _mm256_slli_epi32(high, 16));
+[[gnu::always_inline]] inline I fill_Int(uint32_t x) {
+  return _mm256_set1_epi32(static_cast<int>(x));
 }
-[[gnu::always_inline]] inline I tile_At(I column, I row, uint32_t columns) {
-  return _mm256_add_epi32(
-      _mm256_mullo_epi32(row, _mm256_set1_epi32(static_cast<int>(columns))), column);
+[[gnu::always_inline]] inline I add(I a, I b) { return _mm256_add_epi32(a, b); }
+[[gnu::always_inline]] inline I mul(I a, I b) { return _mm256_mullo_epi32(a, b); }
+template <int kBits>
+[[gnu::always_inline]] inline I shift_Up(I a) {
+  return _mm256_slli_epi32(a, kBits);
+}
+template <int kBits>
+[[gnu::always_inline]] inline I shift_Down(I a) {
+  return _mm256_srli_epi32(a, kBits);
+}
+template <int kBits>
+[[gnu::always_inline]] inline I low_Bits(I a) {
+  return _mm256_and_si256(a, fill_Int((1u << kBits) - 1));
+}
+[[gnu::always_inline]] inline I look_Up(const int32_t* table, I at) {
+  return _mm256_i32gather_epi32(table, at, 4);
 }
 
 [[gnu::always_inline]] inline V least_Lane(V a) {
@@ -79,7 +92,7 @@ constexpr TOrders kOrders;
   const uint32_t in = ~bits(mask) & 0xffu;
   const I order =
       _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(kOrders.of[in])));
-  store(list, _mm256_add_epi32(_mm256_set1_epi32(static_cast<int>(i)), order));
+  store(list, add(fill_Int(i), order));
   return static_cast<uint32_t>(__builtin_popcount(in));
 }
 
@@ -94,7 +107,8 @@ template <uint32_t T3DTRI::*kCorner>
     pair[k] = _mm256_insertf128_ps(_mm256_castps128_ps256(low), high, 1);
   }
   const V xy = _mm256_unpacklo_ps(pair[0], pair[1]), xy_next = _mm256_unpacklo_ps(pair[2], pair[3]);
-  const V z_on = _mm256_unpackhi_ps(pair[0], pair[1]), z_next = _mm256_unpackhi_ps(pair[2], pair[3]);
+  const V z_on = _mm256_unpackhi_ps(pair[0], pair[1]),
+          z_next = _mm256_unpackhi_ps(pair[2], pair[3]);
   x = _mm256_shuffle_ps(xy, xy_next, 0x44);
   y = _mm256_shuffle_ps(xy, xy_next, 0xee);
   z = _mm256_shuffle_ps(z_on, z_next, 0x44);

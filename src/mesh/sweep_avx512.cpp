@@ -52,12 +52,25 @@ constexpr __mmask8 kAll8 = 0xff;
 }
 [[gnu::always_inline]] inline uint32_t bits(M m) { return m; }
 [[gnu::always_inline]] inline I truncate(V a) { return _mm512_maskz_cvttps_epi32(kAll, a); }
-[[gnu::always_inline]] inline I with_Upper(I low, I high) {
-  return _mm512_or_epi32(low, _mm512_maskz_slli_epi32(kAll, high, 16));
+[[gnu::always_inline]] inline I fill_Int(uint32_t x) {
+  return _mm512_set1_epi32(static_cast<int>(x));
 }
-[[gnu::always_inline]] inline I tile_At(I column, I row, uint32_t columns) {
-  return _mm512_add_epi32(
-      _mm512_mullo_epi32(row, _mm512_set1_epi32(static_cast<int>(columns))), column);
+[[gnu::always_inline]] inline I add(I a, I b) { return _mm512_add_epi32(a, b); }
+[[gnu::always_inline]] inline I mul(I a, I b) { return _mm512_mullo_epi32(a, b); }
+template <int kBits>
+[[gnu::always_inline]] inline I shift_Up(I a) {
+  return _mm512_maskz_slli_epi32(kAll, a, kBits);
+}
+template <int kBits>
+[[gnu::always_inline]] inline I shift_Down(I a) {
+  return _mm512_maskz_srli_epi32(kAll, a, kBits);
+}
+template <int kBits>
+[[gnu::always_inline]] inline I low_Bits(I a) {
+  return _mm512_and_epi32(a, fill_Int((1u << kBits) - 1));
+}
+[[gnu::always_inline]] inline I look_Up(const int32_t* table, I at) {
+  return _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), kAll, at, table, 4);
 }
 
 [[gnu::always_inline]] inline V least_Lane(V a) {
@@ -71,8 +84,7 @@ constexpr __mmask8 kAll8 = 0xff;
 [[gnu::always_inline]] inline uint32_t store_Unset(uint32_t* list, uint32_t i, M mask) {
   const I lanes = _mm512_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
   const M in = _mm512_knot(mask);
-  store(list, _mm512_maskz_compress_epi32(
-                  in, _mm512_add_epi32(_mm512_set1_epi32(static_cast<int>(i)), lanes)));
+  store(list, _mm512_maskz_compress_epi32(in, add(fill_Int(i), lanes)));
   return static_cast<uint32_t>(__builtin_popcount(in));
 }
 

@@ -15,7 +15,7 @@ inline constexpr uint32_t kGroup = 16;  // triangles or rays at a time
 inline constexpr uint32_t kMostFlats = 512;
 // A little more, lest rows lie a power of two apart, where the first cache would hold few of them.
 inline constexpr uint32_t kFlatRow = kMostFlats + kGroup;
-inline constexpr uint32_t kMostIndex = 1u << 28;  // of lanes that count in int32_t
+inline constexpr uint32_t kMostIndex = 1u << 27;  // so that tiles stay below 2^24
 
 // A vertex in the coordinates of a sweep: with a number to fill it up, it is read at once.
 struct alignas(16) TFlatVec {
@@ -93,10 +93,10 @@ struct TSpans {
 uint32_t find_Spans(const TFlatMesh& mesh, uint32_t first, uint32_t count, const TTiles& tiles,
                     const TSpans& out);
 
-// Where rays start, and their tiles.
+// Where rays start, and their spots (see TTiles).
 struct TPlaced {
   float *x, *y, *z;
-  uint32_t* tile;
+  uint32_t* spot;
 };
 
 // A group of rays: ray k starts at orgs[starts[k]]. Which of them hit the triangle own[k] for sure:

@@ -11,42 +11,13 @@ namespace undercut {
 namespace {
 
 constexpr uint32_t kKeys = 256;
-constexpr uint32_t kAcross = 16;    // cells of a tile along each side
-constexpr uint32_t kPerCell = 2;    // rays, at most, on average
-
-// The way of D. Hilbert's curve through the cells of a tile (1891): it keeps neighbours together,
-// and cut off below, its numbers are those of the curve through larger cells.
-struct TCurve {
-  uint8_t at[kAcross * kAcross];
-
-  constexpr TCurve() : at() {
-    for (uint32_t row = 0; row < kAcross; ++row)
-      for (uint32_t column = 0; column < kAcross; ++column) {
-        uint32_t x = column, y = row, way = 0;
-        for (uint32_t half = kAcross / 2; half > 0; half /= 2) {
-          const uint32_t right = (x & half) != 0 ? 1 : 0, up = (y & half) != 0 ? 1 : 0;
-          way += half * half * ((3 * right) ^ up);
-          if (up == 0) {
-            if (right == 1) x = kAcross - 1 - x, y = kAcross - 1 - y;
-            const uint32_t turned = x;
-            x = y, y = turned;
-          }
-        }
-        at[row * kAcross + column] = static_cast<uint8_t>(way);
-      }
-  }
-};
-constexpr TCurve kCurve;
+constexpr uint32_t kPerCell = 2;  // rays, at most, on average
 
 // How much of a key tells cells apart of which none holds many rays.
 uint32_t find_Shift(uint32_t count) {
   uint32_t shift = 8;
   for (uint32_t cells = 1; cells * kPerCell < count && shift > 0; cells *= 4) shift -= 2;
   return shift;
-}
-
-uint32_t cell(float at) {
-  return static_cast<uint32_t>(std::clamp(at, 0.0f, static_cast<float>(kAcross - 1)));
 }
 
 // Keys by depth: 0 to 255 from `low` on.
@@ -78,8 +49,8 @@ void sort_Keys(const uint8_t* keys, uint32_t count, uint32_t most, Put put) {
 
 }  // namespace
 
-void order_Rays(const TRayPoints& from, const uint32_t* list, uint32_t count, const TCorner& corner,
-                bool by_depth, TTileRays& out) {
+void order_Rays(const TRayPoints& from, const uint32_t* list, uint32_t count, bool by_depth,
+                TTileRays& out) {
   uint8_t keys[kMostRays];
   uint32_t most = kKeys - 1;
   if (by_depth) {
@@ -87,13 +58,9 @@ void order_Rays(const TRayPoints& from, const uint32_t* list, uint32_t count, co
     for (uint32_t i = 0; i < count; ++i) keys[i] = depths.key(from.z[list[i]]);
   } else {
     const uint32_t shift = find_Shift(count);
-    const float scale = static_cast<float>(kAcross) * corner.per_unit;
     most >>= shift;
-    for (uint32_t i = 0; i < count; ++i) {
-      const uint32_t column = cell((from.x[list[i]] - corner.x) * scale);
-      const uint32_t row = cell((from.y[list[i]] - corner.y) * scale);
-      keys[i] = static_cast<uint8_t>(kCurve.at[row * kAcross + column] >> shift);
-    }
+    for (uint32_t i = 0; i < count; ++i)
+      keys[i] = static_cast<uint8_t>((from.spot[list[i]] & (kKeys - 1)) >> shift);
   }
   out.count = count;
   sort_Keys(keys, count, most, [&](uint32_t i, uint32_t place) {

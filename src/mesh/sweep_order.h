@@ -25,19 +25,15 @@ struct TTileRays {
   TGroup group(uint32_t first) const { return {x + first, y + first, z + first, way}; }
 };
 
-// Where all rays of a sweep start.
+// Where all rays of a sweep start, and their spots (see TTiles).
 struct TRayPoints {
   const float *x, *y, *z;
-};
-
-// Where a tile begins, and one over its side.
-struct TCorner {
-  float x, y, per_unit;
+  const uint32_t* spot;
 };
 
 // Fills out.ray and the places with the listed rays, at most kMostRays; out.way is given.
-void order_Rays(const TRayPoints& from, const uint32_t* list, uint32_t count, const TCorner& corner,
-                bool by_depth, TTileRays& out);
+void order_Rays(const TRayPoints& from, const uint32_t* list, uint32_t count, bool by_depth,
+                TTileRays& out);
 
 // Sorts triangles from the first that rays of a way meet to the last, about.
 void order_Triangles(const TFlatMesh& mesh, float way, uint32_t count, uint32_t* ids);

@@ -100,7 +100,7 @@ TFinding judge(float side, float ab, float bc, float ca, const TBounds& b) {
 // Of a sure triangle.
 TFinding judge_Sure(float side, float ab, float bc, float ca) {
   const float most = std::max(std::max(ab, bc), std::max(ca, side));
-  return {most < -1.0f, most > 1.0f};
+  return {most<-1.0f, most> 1.0f};
 }
 
 // Of others, for a ray at x and y, and q from corner a: the bounds hold within those in x and
@@ -175,7 +175,7 @@ uint32_t place_Each(const TFlatMesh& mesh, const TAcross& across, const TTiles& 
     const auto x = static_cast<float>(p.x), y = static_cast<float>(p.y);
     const auto z = static_cast<float>(p.z);
     out.x[k] = x, out.y[k] = y, out.z[k] = z;
-    out.tile[k] = tiles.tile(x, y);
+    out.spot[k] = tiles.spot(x, y);
 
     const TFlat f = get_Flat(mesh, own[k]);
     const float qx = x - f.ax, qy = y - f.ay, qz = z - f.az;
@@ -214,9 +214,9 @@ uint32_t sift_Each(const TFlats& f, const uint32_t* list, uint32_t count, const 
       const float side = rays.way * (f.nx[i] * x + f.ny[i] * y + f.nz[i] * z);
       const float ab = f.abx[i] * y - f.aby[i] * x, ca = f.cax[i] * y - f.cay[i] * x;
       const float bc = f.area[i] - ab - ca;
-      const TFinding finding = is_sure ? judge_Sure(side, ab, bc, ca)
-                                       : judge_Unsure(f, i, rays.x[k], rays.y[k], x, y, z, side,
-                                                      ab, bc, ca);
+      const TFinding finding =
+          is_sure ? judge_Sure(side, ab, bc, ca)
+                  : judge_Unsure(f, i, rays.x[k], rays.y[k], x, y, z, side, ab, bc, ca);
       hit |= (finding.hit ? 1u : 0u) << k;
       missed |= (finding.missed ? 1u : 0u) << k;
     }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint32_t kChunk = 32;           // triangles sifted at a time
 constexpr uint32_t kTileSamples = 32;     // triangles of a tile that are measured
-constexpr uint32_t kFewFlats = 128;       // of a tile that is never answered by depth
+constexpr uint32_t kFewFlats = 256;       // of a tile that is never answered by depth
 constexpr uint32_t kDeepShare = 8;        // of them one triangle is sifted
 constexpr double kManyLayers = 24.0;      // of a tile that is answered by depth
 constexpr uint32_t kRunsPerPart = 32;     // of tiles
@@ -144,13 +144,6 @@ void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) con
   }
 }
 
-// The corner of a tile.
-TCorner CSweep::find_Corner(uint32_t tile) const {
-  return {static_cast<float>(tiles_.low_x + tile % tiles_.columns * tile_),
-          static_cast<float>(tiles_.low_y + tile / tiles_.columns * tile_),
-          static_cast<float>(1.0 / tile_)};
-}
-
 // Brings what the next tiles need close while this one is answered: triangles two tiles ahead,
 // their corners and the rays one.
 void CSweep::fetch_Ahead(uint32_t tile) const {
@@ -166,6 +159,7 @@ void CSweep::fetch_Ahead(uint32_t tile) const {
   for (uint32_t k = rays_.begin(2 * next); k < rays_.begin(2 * last); ++k) {
     const uint32_t i = *rays_.entries(k);
     for (const float* row : {x_.data(), y_.data(), z_.data()}) __builtin_prefetch(row + i);
+    __builtin_prefetch(&spot_[i]);
   }
 }
 
@@ -204,8 +198,8 @@ void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* l
                          TTile& tile) const {
   TTileRays asked;
   asked.way = bin % 2 == 0 ? 1.0f : -1.0f;
-  order_Rays({x_.data(), y_.data(), z_.data()}, list, count, find_Corner(tile.number),
-             is_deep_[tile.number], asked);
+  order_Rays({x_.data(), y_.data(), z_.data(), spot_.data()}, list, count,
+             is_deep_[tile.number] != 0, asked);
   uint16_t alive[kMostGroups];
   for (uint32_t k = 0; k < count; k += kGroup)
     alive[k / kGroup] = static_cast<uint16_t>((1u << std::min(kGroup, count - k)) - 1);

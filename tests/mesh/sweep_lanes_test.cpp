@@ -23,7 +23,7 @@ TTiles make_Tiles(uint32_t columns) {
 // A group of rays, the last one repeated, each with a triangle, placed by a form.
 struct TPlacedRays {
   float x[kGroup], y[kGroup], z[kGroup];
-  uint32_t tile[kGroup], starts[kGroup], own[kGroup];
+  uint32_t spot[kGroup], starts[kGroup], own[kGroup];
   uint32_t hits = 0;
 
   TPlacedRays(const TForm& form, const CPlaced& placed, const TTiles& tiles,
@@ -33,7 +33,7 @@ struct TPlacedRays {
       own[k] = hostile.aims[starts[k]];
     }
     hits = form.lanes->place_Rays(placed.mesh(), placed.across(), tiles, hostile.orgs.data(),
-                                  starts, own, {x, y, z, tile});
+                                  starts, own, {x, y, z, spot});
   }
 };
 
@@ -111,7 +111,8 @@ TEST(SweepLanes, PlaceRays_WhereTheyStart_AndHitOnlyWhatIsHit) {
           ASSERT_EQ(rays.x[k], ray.x[0]);
           ASSERT_EQ(rays.y[k], ray.y[0]);
           ASSERT_EQ(rays.z[k], ray.z[0]);
-          ASSERT_EQ(rays.tile[k], tiles.tile(ray.x[0], ray.y[0]));
+          ASSERT_EQ(rays.spot[k], tiles.spot(ray.x[0], ray.y[0]));
+          ASSERT_EQ(rays.spot[k] >> 8, tiles.tile(ray.x[0], ray.y[0]));
           const uint32_t start = rays.starts[k], t = rays.own[k];
           ASSERT_TRUE(!(bits & 1u) || placed.exact(start, 1.0f, t)) << form.name << round;
           ASSERT_TRUE(!(bits & 2u) || placed.exact(start, -1.0f, t)) << form.name << round;

@@ -2,79 +2,20 @@
 #include "mesh/sweep.h"
 
 #include <gtest/gtest.h>
-#include <omp.h>
 
 #include <cmath>
 #include <cstdio>
 #include <limits>
 
-#include "tests/reference/plain_rays.h"
 #include "tests/support/intensity.h"
-#include "tests/support/sweep_forms.h"
+#include "tests/support/sweep_cases.h"
+#include "tests/support/threads.h"
 
 namespace undercut::tests {
 
 namespace {
 
 constexpr uint64_t kSeed = 20241103;
-constexpr uint8_t kBoth = kSeesAhead | kSeesBehind;
-
-// The bits that a loop over all triangles leaves.
-uint8_t leave_Plain(const T3DMSH& msh, const T3DVEC& org, const T3DVEC& direction, uint8_t open) {
-  if ((open & kSeesAhead) && reference::any_Hit(msh, {org, direction})) open &= ~kSeesAhead & 0xff;
-  if ((open & kSeesBehind) && reference::any_Hit(msh, {org, -direction}))
-    open &= ~kSeesBehind & 0xff;
-  return open;
-}
-
-TSweepRays take_Rays(const THostile& hostile, std::vector<uint8_t>& sight) {
-  return {hostile.orgs.data(), hostile.box, nullptr, static_cast<uint32_t>(sight.size()),
-          sight.data()};
-}
-
-// A sheet of n by n unit squares with rays from its corners.
-THostile make_Case(TSoup soup, const T3DVEC& direction, double lift = 0.25) {
-  THostile out;
-  out.soup = std::move(soup);
-  out.direction = direction;
-  for (uint32_t t = 0; t < out.soup.tri.size(); ++t) {
-    out.orgs.push_back(cen_Tri(get_Fac(out.soup.msh(), t)) + lift * direction);
-    out.box.add(out.orgs.back());
-    out.sight.push_back(kBoth);
-  }
-  return out;
-}
-
-// Whether a sweep takes it; where it does, the answers are those of the loop, and else untouched.
-bool sweeps(THostile& hostile) {
-  C3DTriAABBTree tree;
-  EXPECT_TRUE(tree.Prepare(hostile.soup.msh()));
-  std::vector<std::vector<uint8_t>> answers;
-  bool taken = false;
-  for (const TForm& form : list_Forms()) {
-    std::vector<uint8_t> sight = hostile.sight;
-    CSweep sweep;
-    taken = sweep.ini_Msh(tree, form.lanes) &&
-            sweep.clear_Hit(hostile.direction, take_Rays(hostile, sight));
-    answers.push_back(sight);
-  }
-  std::vector<uint8_t> want = hostile.sight;
-  for (uint32_t i = 0; taken && i < want.size(); ++i)
-    want[i] = leave_Plain(hostile.soup.msh(), hostile.orgs[i], hostile.direction, want[i]);
-  for (const std::vector<uint8_t>& answer : answers) EXPECT_EQ(answer, want);
-  return taken;
-}
-
-class CThreads {
- public:
-  explicit CThreads(int count) : before_(omp_get_max_threads()) { omp_set_num_threads(count); }
-  ~CThreads() { omp_set_num_threads(before_); }
-  CThreads(const CThreads&) = delete;
-  CThreads& operator=(const CThreads&) = delete;
-
- private:
-  int before_;
-};
 
 }  // namespace
 
@@ -84,12 +25,9 @@ TEST(Sweep, EqualsALoopOverAllTriangles_ForAnyNumberOfThreads) {
   CSweep reused[4];
   for (uint32_t round = 0; round < scale_Cases(40); ++round) {
     THostile hostile = make_Hostile(kSeed + round, 60 + round % 7 * 30, 400);
-    const T3DMSH msh = hostile.soup.msh();
     C3DTriAABBTree tree;
-    ASSERT_TRUE(tree.Prepare(msh));
-    std::vector<uint8_t> want;
-    for (uint32_t i = 0; i < hostile.orgs.size(); ++i)
-      want.push_back(leave_Plain(msh, hostile.orgs[i], hostile.direction, hostile.sight[i]));
+    ASSERT_TRUE(tree.Prepare(hostile.soup.msh()));
+    const std::vector<uint8_t> want = leave_Plain(hostile);
     const CThreads threads(round % 3 == 0 ? 1 : round % 3 == 1 ? 2 : 16);
     uint32_t k = 0;
     for (const TForm& form : list_Forms()) {
