@@ -113,7 +113,7 @@ struct TRanges4 {
   to.low = _mm256_min_pd(choose(out, to.low, a), to.low);
   to.high = _mm256_max_pd(choose(out, to.high, a), to.high);
   const V is_off = _mm256_cmp_pd(sub(a, a), fill(0.0), _CMP_NEQ_UQ);
-  to.off = either(to.off, _mm256_andnot_pd(out, is_off));
+  to.off = either(to.off, is_off);
 }
 
 [[gnu::always_inline]] inline double least(V a) {

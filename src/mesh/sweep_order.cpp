@@ -30,7 +30,8 @@ class CDepths {
     if (high > low_) per_unit_ = static_cast<float>(kKeys - 1) / (high - low_);
   }
   uint8_t key(float z) const {
-    return static_cast<uint8_t>(std::min((z - low_) * per_unit_, static_cast<float>(kKeys - 1)));
+    // What is no number, where all but one depth are next to one another, gives the last key.
+    return static_cast<uint8_t>(std::min(static_cast<float>(kKeys - 1), (z - low_) * per_unit_));
   }
 
  private:

@@ -148,7 +148,7 @@ TEST(Sweep, TakesNoMesh_WhoseTrianglesLieOverTooManyTiles) {
   EXPECT_FALSE(sweeps(hostile));
 }
 
-TEST(Sweep, LeavesCrowdedPlacesToTheTree) {
+TEST(Sweep, TakesCrowdedPlaces) {
   // Walls seen end-on, one triangle many times, and many around one point.
   TSoup walls, one, many = make_Bumpy(12, 12);
   for (uint32_t w = 0; w < 500; ++w) {
