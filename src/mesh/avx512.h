@@ -22,8 +22,8 @@
 namespace undercut {
 
 inline bool has_Avx512() {
-  static const bool has = has_Avx2() && __builtin_cpu_supports("avx512f") &&
-                          __builtin_cpu_supports("avx512vl");
+  static const bool has =
+      has_Avx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
   return has;
 }
 

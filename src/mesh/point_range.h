@@ -32,8 +32,7 @@ TPointRange range_Blocks(uint32_t count, Body body) {
   CScratch<TPointRange> parts;
   parts.resize(blocks);
   each_Index(
-      blocks,
-      [&](uint32_t k) { parts[k] = body(k * kBlock, std::min((k + 1) * kBlock, count)); },
+      blocks, [&](uint32_t k) { parts[k] = body(k * kBlock, std::min((k + 1) * kBlock, count)); },
       kFewBlocks);
   TPointRange all;
   for (uint32_t k = 0; k < blocks; ++k) all.merge(parts[k]);

@@ -17,7 +17,7 @@ bool start_Ray(const TRayStarts& starts, uint32_t t, T3DVEC& org) {
 }
 
 TPointRange start_Each(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray) {
+                       uint8_t* no_ray) {
   TPointRange all;
   for (uint32_t t = first; t < end; ++t) {
     T3DVEC& org = orgs[t];
@@ -82,8 +82,7 @@ template <uint32_t T3DTRI::*kCorner>
 
 // A zero vector stays zero.
 [[gnu::always_inline]] inline TVec4 unit(const TVec4& a) {
-  const V length =
-      _mm256_sqrt_pd(add(add(mul(a.x, a.x), mul(a.y, a.y)), mul(a.z, a.z)));
+  const V length = _mm256_sqrt_pd(add(add(mul(a.x, a.x), mul(a.y, a.y)), mul(a.z, a.z)));
   const V none = equal(length, fill(0.0));
   const TVec4 n = div(a, length);
   return {choose(none, a.x, n.x), choose(none, a.y, n.y), choose(none, a.z, n.z)};
@@ -129,11 +128,12 @@ struct TRanges {
 };
 
 TRanges start_Four(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray) {
+                   uint8_t* no_ray) {
   TRanges4 x = {fill(kAbsent), fill(-kAbsent), fill(0.0)}, y = x, z = x;
   uint32_t t = first;
   for (; t + kFour <= end; t += kFour) {
-    const TVec4 a = get_Corner<&T3DTRI::a>(starts.msh, t), b = get_Corner<&T3DTRI::b>(starts.msh, t);
+    const TVec4 a = get_Corner<&T3DTRI::a>(starts.msh, t),
+                b = get_Corner<&T3DTRI::b>(starts.msh, t);
     const TVec4 c = get_Corner<&T3DTRI::c>(starts.msh, t);
     const V flat = either(either(equal(a, b), equal(b, c)), equal(c, a));
     TVec4 n;
@@ -169,7 +169,7 @@ TRanges start_Four(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVE
 UNDERCUT_END_AVX2
 
 TPointRange start_Rays(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray) {
+                       uint8_t* no_ray) {
   if (!has_Avx2()) return start_Each(starts, first, end, orgs, no_ray);
   const TRanges four = start_Four(starts, first, end, orgs, no_ray);
   TPointRange all = start_Each(starts, four.end, end, orgs, no_ray);
@@ -184,7 +184,7 @@ TPointRange start_Rays(const TRayStarts& starts, uint32_t first, uint32_t end, T
 #else
 
 TPointRange start_Rays(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray) {
+                       uint8_t* no_ray) {
   return start_Each(starts, first, end, orgs, no_ray);
 }
 

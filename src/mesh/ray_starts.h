@@ -26,8 +26,8 @@ bool start_Ray(const TRayStarts& starts, uint32_t t, T3DVEC& org);
 // ray starts, and of `no_ray`, kNoRay or 0; the range of the starts that are. start_Rays takes the
 // fastest form that the processor has; both give the same bits.
 TPointRange start_Rays(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray);
+                       uint8_t* no_ray);
 TPointRange start_Each(const TRayStarts& starts, uint32_t first, uint32_t end, T3DVEC* orgs,
-                    uint8_t* no_ray);
+                       uint8_t* no_ray);
 
 }  // namespace undercut

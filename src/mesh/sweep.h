@@ -1,7 +1,7 @@
 // All rays along one direction, and against it, in one pass.
 //
 // Seen along the direction, rays are points and triangles are flat. Both are sorted into square
-// tiles of a few triangles each, and in each tile its rays, eight at a time, are held against its
+// tiles of a few triangles each, and in each tile its rays, sixteen at a time, are held against its
 // triangles. The answers are those of C3DTriAABBTree::AnyHit, bit for bit: what single precision is
 // sure of is taken, and the rest is decided by hit_Tri and hit_Box. sweep.cpp shows why.
 //
@@ -36,7 +36,7 @@ struct TSweepRays {
   uint32_t id(uint32_t i) const { return list ? list[i] : i; }
 };
 
-// Keeps its memory from one sweep to the next: some 50 bytes for each triangle and ray.
+// Keeps its memory from one sweep to the next: some 50 bytes for each triangle with a ray.
 class CSweep {
  public:
   // The tree's mesh; both must stay as they are. False if no sweep can be made of it: coordinates
@@ -78,8 +78,8 @@ class CSweep {
   bool prefers_Tree() const;
   uint64_t find_Work(uint32_t tile) const;
   uint32_t share_Tiles();
-  void fetch_Ahead(uint32_t tile) const;
-  void answer_Tile(const TSweepRays& rays, uint32_t number);
+  void fetch_Ahead(uint32_t tile, uint32_t end) const;
+  void answer_Tile(const TSweepRays& rays, uint32_t number, uint32_t end_of_run);
   void answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
                    TTile& tile) const;
   void lay_Flats(uint32_t from, TTile& tile) const;

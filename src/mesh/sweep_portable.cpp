@@ -100,7 +100,9 @@ TFinding judge(float side, float ab, float bc, float ca, const TBounds& b) {
 // Of a sure triangle.
 TFinding judge_Sure(float side, float ab, float bc, float ca) {
   const float most = std::max(std::max(ab, bc), std::max(ca, side));
-  return {most<-1.0f, most> 1.0f};
+  const bool hit = most < -1.0f;
+  const bool missed = most > 1.0f;
+  return {hit, missed};
 }
 
 // Of others, for a ray at x and y, and q from corner a: the bounds hold within those in x and

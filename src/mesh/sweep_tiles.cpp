@@ -57,7 +57,8 @@ void CSweep::answer_Tiles(const TSweepRays& rays) {
       runs,
       [&](uint32_t i) {
         const auto run = static_cast<uint32_t>(uint64_t{i} * 2654435761u % runs);
-        for (uint32_t tile = runs_[run]; tile < runs_[run + 1]; ++tile) answer_Tile(rays, tile);
+        const uint32_t end = runs_[run + 1];
+        for (uint32_t tile = runs_[run]; tile < end; ++tile) answer_Tile(rays, tile, end);
       },
       kFewParts);
 }
@@ -145,11 +146,10 @@ void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) con
 }
 
 // Brings what the next tiles need close while this one is answered: triangles two tiles ahead,
-// their corners and the rays one.
-void CSweep::fetch_Ahead(uint32_t tile) const {
-  const uint32_t next = std::min(tile + 1, tiles_.count()),
-                 last = std::min(tile + 2, tiles_.count());
-  const uint32_t after = std::min(tile + 3, tiles_.count());
+// their corners and the rays one. Not beyond the end of the run: others may be sorting there.
+void CSweep::fetch_Ahead(uint32_t tile, uint32_t end) const {
+  const uint32_t next = std::min(tile + 1, end), last = std::min(tile + 2, end);
+  const uint32_t after = std::min(tile + 3, end);
   for (uint32_t k = triangles_.begin(last); k < triangles_.begin(after); ++k)
     __builtin_prefetch(&msh_.tri[*triangles_.entries(k)]);
   for (uint32_t k = triangles_.begin(next); k < triangles_.begin(last); ++k) {
@@ -163,8 +163,8 @@ void CSweep::fetch_Ahead(uint32_t tile) const {
   }
 }
 
-void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number) {
-  fetch_Ahead(number);
+void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number, uint32_t end_of_run) {
+  fetch_Ahead(number, end_of_run);
   TTile tile(number);
   for (uint32_t bin = 2 * number; bin < 2 * number + 2; ++bin) {
     if (rays_.count(bin) == 0) continue;

@@ -163,7 +163,7 @@ const T3DVEC kWays[] = {{0, 0, 1}, {0.01, -0.02, 1}};
 
 // Half of the place is covered many times, the other half hardly, so that there each triangle
 // counts.
-TEST(SweepTiles, AnswersDeepOnes_AsALoopOverAllTriangles) {
+TEST(SweepTiles, AnswersDeepOnes_AsALoopOverAllTriangles_ForAnyNumberOfThreads) {
   std::printf("seed %llu\n", static_cast<unsigned long long>(kSeed));
   for (uint32_t round = 0; round < scale_Cases(2); ++round)
     for (const uint32_t layers : {40u, 150u})

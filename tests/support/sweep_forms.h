@@ -123,9 +123,9 @@ class CPlaced {
       own.from_Tri(get_Fac(hostile_.soup.msh(), ids[i]));
       float low_x = 4, high_x = -4, low_y = 4, high_y = -4;
       for (uint32_t corner = 0; corner < 8; ++corner) {
-        const T3DVEC p = across_({corner & 1 ? own.max.x : own.min.x,
-                                  corner & 2 ? own.max.y : own.min.y,
-                                  corner & 4 ? own.max.z : own.min.z});
+        const T3DVEC p =
+            across_({corner & 1 ? own.max.x : own.min.x, corner & 2 ? own.max.y : own.min.y,
+                     corner & 4 ? own.max.z : own.min.z});
         low_x = std::min(low_x, static_cast<float>(p.x));
         high_x = std::max(high_x, static_cast<float>(p.x));
         low_y = std::min(low_y, static_cast<float>(p.y));
