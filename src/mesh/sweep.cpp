@@ -155,9 +155,11 @@ void CSweep::each_Part(uint32_t count, Body body) const {
       parts_, [&](uint32_t part) { body(part, first(part), first(part + 1)); }, kFewParts);
 }
 
-// The rectangle of a box in space.
-CSweep::TFlatBox CSweep::shadow(const C3DAABB& box) const {
-  const T3DVEC centre = across_(box.centre()), half = 0.5 * box.size();
+// The rectangle of a triangle's own box.
+CSweep::TFlatBox CSweep::shadow(uint32_t t) const {
+  C3DAABB own;
+  own.from_Tri(get_Fac(msh_, t));
+  const T3DVEC centre = across_(own.centre()), half = 0.5 * own.size();
   const auto reach = [&](const T3DVEC& axis) {
     return half.x * std::fabs(axis.x) + half.y * std::fabs(axis.y) + half.z * std::fabs(axis.z) +
            kPad;
@@ -221,7 +223,7 @@ void CSweep::lay_Tiles(const TFlatBox& box) {
 template <typename Body>
 void CSweep::count_Groups(uint32_t count, uint32_t bins, CBins& out, Body body) {
   out.start(bins, parts_);
-  each_Part((count + kGroup - 1) / kGroup, [&](uint32_t part, uint32_t first, uint32_t end) {
+  each_Part(find_Groups(count), [&](uint32_t part, uint32_t first, uint32_t end) {
     CBins::CRow row = out.clear_Row(part);
     for (uint32_t k = first; k < end; ++k)
       body(k * kGroup, std::min(kGroup, count - k * kGroup), row);
@@ -231,7 +233,7 @@ void CSweep::count_Groups(uint32_t count, uint32_t bins, CBins& out, Body body) 
 // body(entry, row) for each of them, to put it.
 template <typename Body>
 void CSweep::put_Groups(uint32_t count, CBins& out, Body body) {
-  each_Part((count + kGroup - 1) / kGroup, [&](uint32_t part, uint32_t first, uint32_t end) {
+  each_Part(find_Groups(count), [&](uint32_t part, uint32_t first, uint32_t end) {
     CBins::CRow row = out.row(part);
     for (uint32_t i = first * kGroup; i < std::min(end * kGroup, count); ++i) body(i, row);
   });
@@ -241,9 +243,7 @@ TFlatMesh CSweep::flat_Mesh() const { return {points_.data(), msh_.tri, least_};
 
 // The tiles under a triangle's own box.
 void CSweep::span_Shadow(uint32_t t) {
-  C3DAABB own;
-  own.from_Tri(get_Fac(msh_, t));
-  const TFlatBox box = shadow(own);
+  const TFlatBox box = shadow(t);
   columns_[t] = tiles_.column(box.low_x) | tiles_.column(box.high_x) << 16;
   rows_[t] = tiles_.row(box.low_y) | tiles_.row(box.high_y) << 16;
 }
@@ -253,7 +253,8 @@ bool CSweep::bin_Triangles() {
   const TFlatMesh mesh = flat_Mesh();
   columns_.resize(size_t{msh_.n_tri} + kGroup);
   rows_.resize(size_t{msh_.n_tri} + kGroup);
-  // one(tile, more): most lie over one tile, or two or four, so these take no loops.
+  // sure(tile) and perhaps(is, tile, spare), see CBins: most triangles lie over one tile, or two or
+  // four, and take no loops.
   const auto each_Tile = [&](uint32_t t, auto sure, auto perhaps) {
     const uint32_t column = columns_[t] & 0xffffu, row = rows_[t] & 0xffffu;
     const uint32_t across = (columns_[t] >> 16) - column, down = (rows_[t] >> 16) - row;

@@ -57,7 +57,7 @@ class CSweep {
   };
 
   bool set_Across(const T3DVEC& direction, const C3DAABB& starts);
-  TFlatBox shadow(const C3DAABB& box) const;
+  TFlatBox shadow(uint32_t t) const;
   TFlatBox place_Mesh();
   double find_Side() const;
   void lay_Tiles(const TFlatBox& box);
@@ -74,7 +74,8 @@ class CSweep {
   void bin_Rays(const TSweepRays& rays);
   void answer_Tiles(const TSweepRays& rays);
   void find_Deep();
-  bool is_Crowded(uint32_t bin) const;
+  int64_t find_Excess(uint32_t bin) const;
+  bool is_Crowded(uint32_t bin) const { return find_Excess(bin) > 0; }
   bool prefers_Tree() const;
   uint64_t find_Work(uint32_t tile) const;
   uint32_t share_Tiles();

@@ -12,6 +12,7 @@
 namespace undercut {
 
 inline constexpr uint32_t kGroup = 16;  // triangles or rays at a time
+inline constexpr uint32_t find_Groups(uint32_t count) { return (count + kGroup - 1) / kGroup; }
 inline constexpr uint32_t kMostFlats = 512;
 // A little more, lest rows lie a power of two apart, where the first cache would hold few of them.
 inline constexpr uint32_t kFlatRow = kMostFlats + kGroup;

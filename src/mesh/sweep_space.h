@@ -53,7 +53,6 @@ struct TTiles {
   // lies between their tiles. Points beyond the tiles count to the outermost ones.
   uint32_t column(float x) const { return place((x - low_x) * per_unit, columns); }
   uint32_t row(float y) const { return place((y - low_y) * per_unit, rows); }
-  uint32_t tile(float x, float y) const { return row(y) * columns + column(x); }
   // The tile, and in the lower eight bits the place of the point's cell along kCurve: an order for
   // rays, no more.
   uint32_t spot(float x, float y) const {

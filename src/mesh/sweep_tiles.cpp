@@ -1,7 +1,6 @@
 // The tiles of a sweep: what each of them costs, and which of its rays are hit.
 #include <algorithm>
 #include <bit>
-#include <cmath>
 
 #include "foundation/parallel.h"
 #include "mesh/ray_walk.h"
@@ -23,15 +22,9 @@ constexpr uint64_t kWorkByTriangle = 8;   // what a triangle takes besides, like
 constexpr uint32_t kRayByTree = 64;       // what a ray costs in the tree, in siftings of a triangle
 constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likewise
 
-// What a tile costs more than the tree would, in siftings of a triangle. Where it is answered by
-// depth only a part of the triangles is sifted.
-int64_t find_Excess(int64_t rays, int64_t triangles, bool is_deep) {
-  const int64_t groups = (rays + kGroup - 1) / kGroup;
-  return groups * triangles / (is_deep ? kDeepShare : 1) - kRayByTree * rays;
-}
-
 // Even bins hold rays along the direction, odd ones those against it.
 uint8_t way_Bit(uint32_t bin) { return bin % 2 == 0 ? kSeesAhead : kSeesBehind; }
+float way_Sign(uint32_t bin) { return bin % 2 == 0 ? 1.0f : -1.0f; }
 void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
 
 }  // namespace
@@ -72,15 +65,18 @@ void CSweep::find_Deep() {
     for (uint32_t i = 0; count > kFewFlats && i < count; i += step) {
       const T3DTRI& t = msh_.tri[*triangles_.entries(triangles_.begin(tile) + i)];
       const TFlatVec &a = points_[t.a], &b = points_[t.b], &c = points_[t.c];
-      sum += 0.5 * std::fabs((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x));
+      sum += area_Tri(T2DVEC{a.x, a.y}, T2DVEC{b.x, b.y}, T2DVEC{c.x, c.y});
     }
     is_deep_[tile] = sum * step > kManyLayers * tile_ * tile_ ? 1 : 0;
   });
 }
 
-// Whether the rays of a bin would cost less in the tree.
-bool CSweep::is_Crowded(uint32_t bin) const {
-  return find_Excess(rays_.count(bin), triangles_.count(bin / 2), is_deep_[bin / 2] != 0) > 0;
+// What the rays of a bin cost more than in the tree, in siftings of a triangle. Where they are
+// answered by depth only a part of the triangles is sifted.
+int64_t CSweep::find_Excess(uint32_t bin) const {
+  const int64_t rays = rays_.count(bin), triangles = triangles_.count(bin / 2);
+  return find_Groups(rays_.count(bin)) * triangles / (is_deep_[bin / 2] ? kDeepShare : 1) -
+         kRayByTree * rays;
 }
 
 // What a tile takes, in siftings of a triangle, about.
@@ -88,12 +84,12 @@ uint64_t CSweep::find_Work(uint32_t tile) const {
   const uint64_t triangles = triangles_.count(tile);
   uint64_t work = 0;
   for (uint32_t bin = 2 * tile; bin < 2 * tile + 2; ++bin) {
-    const uint64_t rays = rays_.count(bin);
+    const uint32_t rays = rays_.count(bin);
     if (rays == 0) continue;
     work += kWorkByRay * rays;
-    work += asks_tree_ && is_Crowded(bin) ? kRayByTree * rays
-                                          : (kWorkByTriangle + (rays + kGroup - 1) / kGroup) *
-                                                triangles / (is_deep_[tile] ? kDeepShare : 1);
+    work += asks_tree_ && is_Crowded(bin) ? uint64_t{kRayByTree} * rays
+                                          : (kWorkByTriangle + find_Groups(rays)) * triangles /
+                                                (is_deep_[tile] ? kDeepShare : 1);
   }
   return work + 1;
 }
@@ -118,8 +114,7 @@ uint32_t CSweep::share_Tiles() {
 bool CSweep::prefers_Tree() const {
   int64_t excess = 0;
   for (uint32_t bin = 0; bin < 2 * tiles_.count(); ++bin)
-    excess += std::max(int64_t{0}, find_Excess(rays_.count(bin), triangles_.count(bin / 2),
-                                               is_deep_[bin / 2] != 0));
+    excess += std::max(int64_t{0}, find_Excess(bin));
   return excess > (tree_->has_Rays() ? 0 : int64_t{kTreeByTriangle} * msh_.n_tri);
 }
 
@@ -135,9 +130,7 @@ void CSweep::ask_Tree(const TSweepRays& rays, uint32_t bin) const {
 void CSweep::narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const {
   for (uint32_t i = 0; i < count; ++i) {
     if (flats.clear[i] < kInfinite) continue;
-    C3DAABB own;
-    own.from_Tri(get_Fac(msh_, ids[i]));
-    const TFlatBox box = shadow(own);
+    const TFlatBox box = shadow(ids[i]);
     flats.low_x[i] = box.low_x;
     flats.high_x[i] = box.high_x;
     flats.low_y[i] = box.low_y;
@@ -173,7 +166,7 @@ void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number, uint32_t end_o
       continue;
     }
     if (is_deep_[number]) {
-      order_Triangles(flat_Mesh(), bin % 2 == 0 ? 1.0f : -1.0f, triangles_.count(number),
+      order_Triangles(flat_Mesh(), way_Sign(bin), triangles_.count(number),
                       triangles_.entries(triangles_.begin(number)));
       tile.from = UINT32_MAX;
     }
@@ -197,7 +190,7 @@ void CSweep::lay_Flats(uint32_t from, TTile& tile) const {
 void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
                          TTile& tile) const {
   TTileRays asked;
-  asked.way = bin % 2 == 0 ? 1.0f : -1.0f;
+  asked.way = way_Sign(bin);
   order_Rays({x_.data(), y_.data(), z_.data(), spot_.data()}, list, count,
              is_deep_[tile.number] != 0, asked);
   uint16_t alive[kMostGroups];

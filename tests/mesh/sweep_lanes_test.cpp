@@ -112,7 +112,8 @@ TEST(SweepLanes, PlaceRays_WhereTheyStart_AndHitOnlyWhatIsHit) {
           ASSERT_EQ(rays.y[k], ray.y[0]);
           ASSERT_EQ(rays.z[k], ray.z[0]);
           ASSERT_EQ(rays.spot[k], tiles.spot(ray.x[0], ray.y[0]));
-          ASSERT_EQ(rays.spot[k] >> 8, tiles.tile(ray.x[0], ray.y[0]));
+          ASSERT_EQ(rays.spot[k] >> 8,
+                    tiles.row(ray.y[0]) * tiles.columns + tiles.column(ray.x[0]));
           const uint32_t start = rays.starts[k], t = rays.own[k];
           ASSERT_TRUE(!(bits & 1u) || placed.exact(start, 1.0f, t)) << form.name << round;
           ASSERT_TRUE(!(bits & 2u) || placed.exact(start, -1.0f, t)) << form.name << round;
