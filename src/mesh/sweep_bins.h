@@ -65,10 +65,12 @@ class CBins {
         next += std::exchange(next_[part * row_Size() + bin], static_cast<uint32_t>(next));
     }
     begin_[bins_] = static_cast<uint32_t>(next);
-    const uint64_t spare = uint64_t{kSpare} * parts_;
+    const uint64_t spare = uint64_t{kApart} * (parts_ + 1);
     if (next > std::min(most, UINT32_MAX - spare)) return false;
-    for (uint32_t k = 0; k < spare; ++k)
-      next_[k / kSpare * row_Size() + bins_ + k % kSpare] = static_cast<uint32_t>(next + k);
+    for (uint32_t part = 0; part < parts_; ++part)
+      for (uint32_t k = 0; k < kSpare; ++k)
+        next_[part * row_Size() + bins_ + k] =
+            static_cast<uint32_t>(next + kApart * (part + 1) + k);
     entries_.resize(next + spare);
     return true;
   }
@@ -80,7 +82,12 @@ class CBins {
   const uint32_t* entries(uint32_t from) const { return &entries_[from]; }
 
  private:
-  size_t row_Size() const { return size_t{bins_} + kSpare; }
+  // So far from one another, in entries, that no two threads write to one line of the cache again
+  // and again.
+  static constexpr uint32_t kApart = 32;
+  static_assert(kSpare < kApart / 2);
+
+  size_t row_Size() const { return size_t{bins_} + kApart; }
 
   uint32_t bins_ = 0, parts_ = 0;
   CScratch<uint32_t> next_;  // of each part in each bin
