@@ -7,6 +7,7 @@
 //
 // Cost: two or three rays for each triangle that is offered, in growth and again in balancing; the
 // rest is constant for each triangle.
+#include <cstring>
 #include <string>
 #include <vector>
 

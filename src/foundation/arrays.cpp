@@ -1,5 +1,9 @@
-// Allocation of the views of meshes and polylines.
+// Allocation of the views of meshes and polylines, and the check of their indices.
 #include "foundation/arrays.h"
+
+#include <cstring>
+
+#include "foundation/parallel.h"
 
 namespace undercut {
 
@@ -19,6 +23,13 @@ bool alloc_Segments(Pol& pol, uint32_t n_pnt, uint32_t n_sgm) {
 
 }  // namespace
 
+void clear_Bytes(void* data, uint64_t count) {
+  constexpr uint32_t kBlock = 1u << 16;
+  each_Block(count, kBlock, [&](uint64_t first, uint64_t end) {
+    std::memset(static_cast<uint8_t*>(data) + first, 0, end - first);
+  });
+}
+
 bool alloc_Msh(T3DMSH& msh, uint32_t n_vtx, uint32_t n_tri) {
   msh = {};
   if (n_vtx == 0 || n_tri == 0) return true;
@@ -28,6 +39,13 @@ bool alloc_Msh(T3DMSH& msh, uint32_t n_vtx, uint32_t n_tri) {
   msh.n_vtx = n_vtx;
   msh.n_tri = n_tri;
   return true;
+}
+
+bool ok_Vertices(const T3DMSH& msh) {
+  return holds_All(msh.n_tri, [&](uint32_t i) {
+    const T3DTRI& t = msh.tri[i];
+    return t.a < msh.n_vtx && t.b < msh.n_vtx && t.c < msh.n_vtx;
+  });
 }
 
 bool alloc_Pol(T3DPOL& pol, uint32_t n_pnt, uint32_t n_sgm) {

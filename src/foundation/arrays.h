@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <new>
 #include <type_traits>
 
@@ -21,11 +20,15 @@ T* new_Array(uint64_t count) {
   return static_cast<T*>(::operator new(count * sizeof(T), std::nothrow));
 }
 
+// All zero, on several threads where it is much: pages of memory that is new come with the first
+// write to them, and that takes longer than the writing.
+void clear_Bytes(void* data, uint64_t count);
+
 // The same with every byte zero.
 template <typename T>
 T* new_Zeroed(uint64_t count) {
   T* data = new_Array<T>(count);
-  if (data) std::memset(static_cast<void*>(data), 0, count * sizeof(T));
+  if (data) clear_Bytes(data, count * sizeof(T));
   return data;
 }
 
@@ -114,6 +117,9 @@ bool flat_Pol(const T3DPOL& src, T2DPOL& dst);
 inline bool is_Usable(const T3DMSH& msh) {
   return msh.vtx && msh.tri && msh.n_vtx != 0 && msh.n_tri != 0;
 }
+
+// Whether every triangle names vertices of the mesh, which is there.
+bool ok_Vertices(const T3DMSH& msh);
 
 // Ends the life of a record with its scope. Moves nowhere; `take` hands the record out.
 template <typename Record>

@@ -1,6 +1,7 @@
 // Loops over independent entries, shared out among the threads of OpenMP.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <new>
@@ -62,6 +63,32 @@ void each_Index(uint32_t count, const Body& body, [[maybe_unused]] uint32_t wort
     }
   }
   if (failed) throw std::bad_alloc();
+}
+
+// body(first, end) for blocks of entries beside one another; few blocks stay on the calling thread.
+// Otherwise as each_Index.
+template <typename Body>
+void each_Block(uint64_t count, uint32_t block, const Body& body) {
+  constexpr uint32_t kFewBlocks = 4;
+  each_Index(
+      static_cast<uint32_t>((count + block - 1) / block),
+      [&](uint32_t k) {
+        const uint64_t first = uint64_t{k} * block;
+        body(first, std::min(first + block, count));
+      },
+      kFewBlocks);
+}
+
+// Whether test(i) holds for all i below the count; it may be asked of some after one failed.
+template <typename Test>
+bool holds_All(uint32_t count, const Test& test) {
+  std::atomic<bool> all = true;
+  each_Block(count, 4096, [&](uint64_t first, uint64_t end) {
+    bool holds = true;
+    for (uint64_t i = first; i < end; ++i) holds &= test(static_cast<uint32_t>(i));
+    if (!holds) all.store(false, std::memory_order_relaxed);
+  });
+  return all;
 }
 
 }  // namespace undercut

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <new>
 
+#include "foundation/arrays.h"
 #include "interface/exports.h"
 
 namespace undercut {
@@ -52,8 +53,6 @@ inline void need_Msh(CallFrame& frame, const T3DMSH& msh, int32_t before = 0) {
   frame.need(msh.n_tri, -4 - before);
 }
 
-// Whether every triangle names vertices of the mesh.
-bool ok_Vertices(const T3DMSH& msh);
 // Whether every entry names a triangle of a mesh of n_tri triangles.
 bool ok_Triangles(const TLst<uint32_t>& lst, uint32_t n_tri);
 // The same of every region; their number is the capacity.

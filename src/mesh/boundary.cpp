@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "foundation/parallel.h"
 #include "mesh/edge_counts.h"

@@ -7,10 +7,6 @@ namespace undercut {
 
 namespace {
 
-bool has_Corners(const T3DTRI& t, uint32_t n_vtx) {
-  return t.a < n_vtx && t.b < n_vtx && t.c < n_vtx;
-}
-
 void append(TLst<uint32_t>& lst, uint32_t id) { lst.data[lst.count++] = id; }
 
 // False, and an empty tree, without memory.
@@ -39,9 +35,7 @@ void collect(const TBoxTree<C3DAABB>& tree, TLst<uint32_t>& lst, Judge judge, Te
 
 bool C3DTriAABBTree::Prepare(const T3DMSH& msh) {
   Clear();
-  if (!is_Usable(msh)) return false;
-  for (uint32_t t = 0; t < msh.n_tri; ++t)
-    if (!has_Corners(msh.tri[t], msh.n_vtx)) return false;
+  if (!is_Usable(msh) || !ok_Vertices(msh)) return false;
   try {
     tree_.items.reserve(msh.n_tri);
   } catch (const std::bad_alloc&) {

@@ -1,5 +1,7 @@
 // The filter of components: which pieces are large and deep enough to be machined, and lie outside
 // all given curves. Areas in mm2, values as the host gave them.
+#include <cstring>
+
 #include "files/writers.h"
 #include "foundation/bit_vector.h"
 #include "interface/call_frame.h"

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "tests/support/allocations.h"
 
 namespace undercut {
@@ -201,6 +204,35 @@ TEST(Arrays, ASizeThatOverflowsIsRefused) {
   EXPECT_EQ(new_Array<T3DVEC>(UINT64_MAX / 24 + 1), nullptr);
   EXPECT_EQ(new_Zeroed<T3DVEC>(UINT64_MAX), nullptr);
 }
+
+TEST(Arrays, Cleared_ToTheLastByteAndNoFurther_WhateverTheSize) {
+  for (const size_t size : {size_t{0}, size_t{1}, size_t{65537}, size_t{262144}, size_t{1000001}}) {
+    std::vector<uint8_t> bytes(size + 2, 7);
+    clear_Bytes(bytes.data() + 1, size);
+    EXPECT_EQ(bytes.front(), 7);
+    EXPECT_EQ(bytes.back(), 7);
+    EXPECT_EQ(static_cast<size_t>(std::ranges::count(bytes, 0)), size);
+  }
+}
+
+TEST(Arrays, AMeshHasVerticesOutOfRange_WhereverOneIs) {
+  std::vector<T3DVEC> vtx(3);
+  for (const uint32_t n_tri : {1u, 4095u, 4096u, 20000u}) {
+    std::vector<T3DTRI> tri(n_tri, {0, 1, 2});
+    const T3DMSH msh = {vtx.data(), 3, tri.data(), n_tri};
+    EXPECT_TRUE(ok_Vertices(msh));
+    for (const uint32_t place : {0u, n_tri / 2, n_tri - 1})
+      for (const uint32_t bad : {3u, 4u, 0xFFFFFFFFu}) {
+        for (const T3DTRI& t : {T3DTRI{bad, 1, 2}, T3DTRI{0, bad, 2}, T3DTRI{0, 1, bad}}) {
+          tri[place] = t;
+          EXPECT_FALSE(ok_Vertices(msh)) << bad << " in " << place << " of " << n_tri;
+        }
+        tri[place] = {0, 1, 2};
+      }
+  }
+}
+
+TEST(Arrays, AMeshWithoutTriangles_HasNoVertexOutOfRange) { EXPECT_TRUE(ok_Vertices({})); }
 
 TEST(Arrays, Scoped_ReleasesAndTakeHandsOut) {
   const int64_t before = live_Allocations();

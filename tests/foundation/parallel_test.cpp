@@ -48,6 +48,27 @@ TEST_P(ParallelLoop, AnEntryThatThrows_LeavesTheOthersTheirTurnAndEndsAsBadAlloc
   EXPECT_EQ(std::ranges::count(visits, 1), 1000);
 }
 
+TEST_P(ParallelLoop, VisitsEachEntryInOneBlock) {
+  for (const uint32_t block : {1u, 10u, 1000u})
+    for (const uint32_t count : {0u, 1u, 9u, 10u, 11u, 9999u, 10000u, 10001u}) {
+      std::vector<uint8_t> visits(count);
+      each_Block(count, block, [&](uint64_t first, uint64_t end) {
+        EXPECT_EQ(first % block, 0u);
+        EXPECT_LE(end - first, block);
+        for (uint64_t i = first; i < end; ++i) ++visits[i];
+      });
+      EXPECT_EQ(std::ranges::count(visits, 1), count);
+    }
+}
+
+TEST_P(ParallelLoop, ATestHoldsForAll_UnlessItFailsForOne) {
+  for (const uint32_t count : {0u, 1u, 4095u, 4096u, 50001u}) {
+    EXPECT_TRUE(holds_All(count, [&](uint32_t i) { return i < count; }));
+    for (const uint32_t bad : {0u, count / 3, count - 1})
+      EXPECT_EQ(holds_All(count, [&](uint32_t i) { return i != bad; }), count == 0) << bad;
+  }
+}
+
 TEST(ParallelLoopOrder, EachThreadHasARunOfNeighbours_InRisingOrder) {
   const int before = omp_get_max_threads();
   omp_set_num_threads(4);

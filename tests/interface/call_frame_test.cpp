@@ -114,21 +114,6 @@ TEST(CallFrame, ChecksASecondMeshUnderTheCodesThatFollow) {
   EXPECT_EQ(check_Msh({one.vtx, 3, one.tri, 0}, 4), -8);
 }
 
-TEST(CallFrame, FindsAVertexIndexOutOfRange_AtEachCorner) {
-  TOneTriangle one;
-  EXPECT_TRUE(ok_Vertices(one.msh));
-  for (const uint32_t bad : {3u, 4u, 0xFFFFFFFFu}) {
-    one.tri[0] = {bad, 1, 2};
-    EXPECT_FALSE(ok_Vertices(one.msh)) << bad;
-    one.tri[0] = {0, bad, 2};
-    EXPECT_FALSE(ok_Vertices(one.msh)) << bad;
-    one.tri[0] = {0, 1, bad};
-    EXPECT_FALSE(ok_Vertices(one.msh)) << bad;
-  }
-}
-
-TEST(CallFrame, TakesAMeshWithoutTrianglesAsFreeOfBadIndices) { EXPECT_TRUE(ok_Vertices({})); }
-
 TEST(CallFrame, FindsATriangleIndexOutOfRange_AtEachPlaceOfAList) {
   for (uint32_t place = 0; place < 4; ++place) {
     uint32_t data[4] = {0, 1, 2, 2};
