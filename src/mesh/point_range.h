@@ -27,15 +27,14 @@ struct TPointRange {
 // body(first, end) gives the range of a block. Throws std::bad_alloc.
 template <typename Body>
 TPointRange range_Blocks(uint32_t count, Body body) {
-  constexpr uint32_t kBlock = 1024, kFewBlocks = 4;  // that stay on one thread
-  const uint32_t blocks = (count + kBlock - 1) / kBlock;
+  constexpr uint32_t kBlock = 1024;
   CScratch<TPointRange> parts;
-  parts.resize(blocks);
-  each_Index(
-      blocks, [&](uint32_t k) { parts[k] = body(k * kBlock, std::min((k + 1) * kBlock, count)); },
-      kFewBlocks);
+  parts.resize(count / kBlock + 1);
+  each_Block(count, kBlock, [&](uint64_t first, uint64_t end) {
+    parts[first / kBlock] = body(static_cast<uint32_t>(first), static_cast<uint32_t>(end));
+  });
   TPointRange all;
-  for (uint32_t k = 0; k < blocks; ++k) all.merge(parts[k]);
+  for (uint32_t first = 0; first < count; first += kBlock) all.merge(parts[first / kBlock]);
   return all;
 }
 
