@@ -1,8 +1,11 @@
 // Incidence tables by two passes: the first counts, the second fills.
 #include "mesh/adjacency.h"
 
+#include <omp.h>
+
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "foundation/parallel.h"
 #include "mesh/edge_counts.h"
@@ -36,6 +39,14 @@ bool alloc_Block(TAdj& adj, uint32_t items, uint64_t entries) {
   return true;
 }
 
+// In how many parts items are listed: they take a word a point each.
+constexpr uint32_t kMostParts = 4, kPerPart = 16384;
+constexpr uint32_t kFewParts = 2;  // of so much work that even two pay for threads
+uint32_t find_Parts(uint32_t items, uint32_t points) {
+  if (points > UINT32_MAX / kMostParts) return 1;
+  return std::min({kMostParts, 1 + items / kPerPart, static_cast<uint32_t>(omp_get_max_threads())});
+}
+
 // Per point the items that have it as an end.
 template <typename Item>
 int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj& out) {
@@ -45,12 +56,36 @@ int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj&
   if (!alloc_Lists(*adj, n_points)) return -2;
   adj->counts = new_Zeroed<uint32_t>(n_points);
   if (!adj->counts) return -3;
-  for (uint32_t i = 0; i < n_items; ++i)
-    for (const uint32_t p : get_Ends(items[i])) ++adj->counts[p];
+
+  // Parts of the items go beside one another: first each counts its own at every point; then it
+  // puts them behind those of the parts before it.
+  const uint32_t parts = find_Parts(n_items, n_points);
+  Scoped<TArr<uint32_t>> next;
+  if (!alloc(*next, parts * n_points)) return -3;
+  const auto each_End = [&](uint32_t part, auto visit) {
+    const uint64_t end = uint64_t{n_items} * (part + 1) / parts;
+    uint32_t* const own = next->data + size_t{part} * n_points;
+    for (uint64_t i = uint64_t{n_items} * part / parts; i < end; ++i)
+      for (const uint32_t p : get_Ends(items[i])) visit(own[p], p, static_cast<uint32_t>(i));
+  };
+  each_Index(
+      parts,
+      [&](uint32_t part) { each_End(part, [](uint32_t& count, uint32_t, uint32_t) { ++count; }); },
+      kFewParts);
+  each_Index(n_points, [&](uint32_t p) {
+    uint32_t sum = 0;
+    for (uint32_t part = 0; part < parts; ++part)
+      sum += std::exchange(next->data[size_t{part} * n_points + p], sum);
+    adj->counts[p] = sum;
+  });
   if (!alloc_Block(*adj, n_points, get_Ends(Item{}).size() * uint64_t{n_items})) return -4;
-  std::fill_n(adj->counts, n_points, 0u);
-  for (uint32_t i = 0; i < n_items; ++i)
-    for (const uint32_t p : get_Ends(items[i])) adj->lists[p][adj->counts[p]++] = i;
+  each_Index(
+      parts,
+      [&](uint32_t part) {
+        each_End(part,
+                 [&](uint32_t& place, uint32_t p, uint32_t i) { adj->lists[p][place++] = i; });
+      },
+      kFewParts);
   out = adj.take();
   return 0;
 }

@@ -2,7 +2,6 @@
 #include "mesh/boundary.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 
 #include "foundation/parallel.h"
@@ -20,7 +19,7 @@ bool has_Lists(const TAdj& adj) { return adj.lists && adj.counts; }
 // The edges whose bits are set, by triangle, then corner.
 bool store_Open(const T3DMSH& msh, const uint8_t* open, TArr<T3DSGM>& out) {
   uint64_t count = 0;
-  for (uint32_t t = 0; t < msh.n_tri; ++t) count += static_cast<uint32_t>(std::popcount(open[t]));
+  for (uint32_t t = 0; t < msh.n_tri; ++t) count += count_Open(open[t]);
   if (count > UINT32_MAX || !alloc(out, static_cast<uint32_t>(count))) return false;
   T3DSGM* end = out.data;
   for (uint32_t t = 0; t < msh.n_tri; ++t) {

@@ -27,6 +27,9 @@ uint8_t find_Open(const T3DMSH& msh, const TAdj& tri_tri, uint32_t t, Accept acc
   return static_cast<uint8_t>(open);
 }
 
+// How many bits such a mask has: the processors that all programs are built for don't count them.
+inline uint32_t count_Open(uint32_t open) { return (open & 1u) + (open >> 1 & 1u) + (open >> 2); }
+
 // Edges of the triangles of a set that no second triangle of the set shares. Codes as bnd_All.
 int32_t bnd_Set(const T3DMSH& msh, const TAdj& vtx_tri, const CBitVector& set, TArr<T3DSGM>& out);
 

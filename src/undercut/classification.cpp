@@ -3,11 +3,9 @@
 //
 // Most triangles are seen along the first axes. So each axis casts rays from those alone that no
 // axis before it has seen; the others cost nothing any more.
-#include <algorithm>
-
 #include "foundation/axis_frames.h"
 #include "foundation/bit_vector.h"
-#include "foundation/parallel.h"
+#include "foundation/list_filter.h"
 #include "interface/call_frame.h"
 #include "interface/parameters.h"
 #include "mesh/sight.h"
@@ -51,43 +49,24 @@ void build_Test(CallFrame& frame, const T3DMSH& msh, double dilation, CTestMesh&
 struct TOpen {
   Scoped<TArr<uint32_t>> list;
   Scoped<TArr<uint8_t>> sight;
-  Scoped<TArr<uint32_t>> kept;  // of each block of the list: how many of it
+  CScratch<uint32_t> kept;
 };
-
-constexpr uint32_t kBlock = 4096;  // of the list, at a time
 
 bool list_Open(const TUcsInput& in, TOpen& open) {
   const uint32_t active = in.roi.data ? in.roi.count : in.msh.n_tri;
-  if (!alloc(*open.list, active) || !alloc(*open.sight, active) ||
-      !alloc(*open.kept, active / kBlock + 1))
-    return false;
+  if (!alloc(*open.list, active) || !alloc(*open.sight, active)) return false;
   each_Index(active, [&](uint32_t i) { open.list->data[i] = in.roi.data ? in.roi.data[i] : i; });
   return true;
 }
 
 // Sets the bits of what the axis saw and keeps what was blocked in the list. A triangle with two
-// equal corners is neither: its bit stays clear, and so it ends as undercut. What a block of the
-// list keeps moves to the block's begin, and then to the list's.
+// equal corners is neither: its bit stays clear, and so it ends as undercut.
 void close_Seen(TOpen& open, CBitVector& seen) {
-  TArr<uint32_t>& list = *open.list;
-  uint32_t* kept = open.kept->data;
-  each_Block(list.count, kBlock, [&](uint64_t first, uint64_t end) {
-    uint64_t next = first;
-    for (uint64_t i = first; i < end; ++i) {
-      const uint8_t sight = open.sight->data[i];
-      if (sight == kSeesAhead) seen.set(list.data[i]);
-      list.data[next] = list.data[i];
-      next += sight == 0;
-    }
-    kept[first / kBlock] = static_cast<uint32_t>(next - first);
+  filter_List(*open.list, open.kept, [&](uint32_t i, uint32_t t) {
+    const uint8_t sight = open.sight->data[i];
+    if (sight == kSeesAhead) seen.set(t);
+    return sight == 0;
   });
-  uint32_t count = 0;
-  for (uint64_t first = 0; first < list.count; first += kBlock) {
-    const uint32_t size = kept[first / kBlock];
-    std::copy_n(list.data + first, size, list.data + count);
-    count += size;
-  }
-  list.count = count;
 }
 
 void see_Axes(const TArr<T3DMAT>& axes, const CTestMesh& test, double lift, TOpen& open,

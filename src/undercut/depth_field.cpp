@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "foundation/parallel.h"
+#include "foundation/list_filter.h"
 #include "interface/parameters.h"
 #include "mesh/sight.h"
 #include "mesh/weld.h"
@@ -59,6 +59,7 @@ class CDepthField {
   CSight eye_;
   Scoped<TArr<uint8_t>> sight_;    // what an axis finds for each triangle of the list
   Scoped<TArr<uint32_t>> hidden_;  // what no axis has seen yet, in rising order
+  CScratch<uint32_t> kept_;        // of the list
   CBitVector waiting_;             // the same as a set; of the flood, the working set of one patch
   CBitVector rim_v_;               // by vertex: ends of the mesh's own open border
   Scoped<TArr<double>> dfi_, rho_;
@@ -117,7 +118,7 @@ void CDepthField::build_Adjacency() {
 void CDepthField::run_Axes() {
   frame_.at(UNDERCUT_NO_MEMORY);
   std::fill_n(dfi_->data, dfi_->count, kAbsent);
-  for (uint32_t t = 0; t < view_.n_tri; ++t) hidden_->data[t] = t;
+  each_Index(view_.n_tri, [&](uint32_t t) { hidden_->data[t] = t; });
   // Rays start where the tree stands: on the soup where there is one, else on the welded corners,
   // which a tree over the unwelded mesh follows within the tolerance of the weld.
   eye_.ini_Sight(test_.tree(), {par_.f_dil <= 0.0 ? view_ : test_.mesh(), par_.f_tol});
@@ -132,14 +133,10 @@ void CDepthField::run_Axes() {
 // neither seen nor hidden.
 void CDepthField::classify(const T3DFRM& frm) {
   eye_.see_Along(-frm.z, Ways::kAhead, hidden_->data, hidden_->count, sight_->data);
-  uint32_t kept = 0;
-  for (uint32_t i = 0; i < hidden_->count; ++i) {
-    const uint32_t t = hidden_->data[i];
+  filter_List(*hidden_, kept_, [&](uint32_t i, uint32_t t) {
     if (sight_->data[i] & kSeesAhead) dfi_->data[t] = 0.0;
-    hidden_->data[kept] = t;
-    kept += sight_->data[i] == 0;
-  }
-  hidden_->count = kept;
+    return sight_->data[i] == 0;
+  });
 }
 
 void CDepthField::rate_Hidden(uint32_t axis, const T3DFRM& frm) {

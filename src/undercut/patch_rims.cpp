@@ -1,7 +1,6 @@
 #include "undercut/patch_rims.h"
 
 #include <algorithm>
-#include <bit>
 #include <new>
 #include <utility>
 
@@ -52,7 +51,7 @@ bool CPatchRims::list_Borders(const CBitVector& hidden) {
   uint64_t total = 0;
   for (uint32_t t = 0; t < msh_.n_tri; ++t) {
     if (open_->data[t] == 0) continue;
-    const auto edges = static_cast<uint32_t>(std::popcount(open_->data[t]));
+    const uint32_t edges = count_Open(open_->data[t]);
     ends_->data[number_->data[t]] += edges;
     total += edges;
   }

@@ -1,6 +1,7 @@
 #include "undercut/rated_mesh.h"
 
 #include "foundation/arrays.h"
+#include "foundation/parallel.h"
 
 namespace undercut {
 
@@ -15,12 +16,12 @@ bool CRatedMsh::prepare(const T3DMSH& mesh) {
     clear();
     return false;
   }
-  for (uint32_t t = 0; t < mesh.n_tri; ++t) {
+  each_Index(mesh.n_tri, [&](uint32_t t) {
     const T3DFAC f = get_Fac(mesh, t);
-    if (is_Flat(f)) continue;
+    if (is_Flat(f)) return;
     area[t] = area_Tri(f);
     nml[t] = nml_Tri(f);
-  }
+  });
   msh = mesh;
   return true;
 }

@@ -7,6 +7,7 @@
 #include "tests/reference/plain_adjacency.h"
 #include "tests/support/allocations.h"
 #include "tests/support/intensity.h"
+#include "tests/support/threads.h"
 
 using namespace undercut;
 using namespace undercut::tests;
@@ -82,6 +83,18 @@ TEST(VertexTriangles, WithoutMemory_GiveMinusTwoToMinusFourByAllocation) {
     return code;
   });
   EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, 0}));
+}
+
+TEST(VertexTriangleThreads, ListTheSame_HoweverManyTheyAre) {
+  for (const uint32_t vertices : {7u, 30000u}) {
+    std::mt19937_64 random(vertices);
+    const TSoup soup = make_Random(random, vertices, 70000, false);
+    const plain::Table table = plain::list_AtVertices(soup.tri, vertices);
+    for (const int threads : {1, 2, 3, 16}) {
+      const CThreads scope(threads);
+      EXPECT_TRUE(list_AtVertices(soup) == table) << vertices << " vertices, " << threads;
+    }
+  }
 }
 
 TEST(PointSegments, AreListedInRisingOrder) {
