@@ -83,10 +83,14 @@ class CSweep {
   void answer_Tile(const TSweepRays& rays, uint32_t number, uint32_t end_of_run);
   void answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* list, uint32_t count,
                    TTile& tile) const;
-  void lay_Flats(uint32_t from, TTile& tile) const;
+  void find_Reach(float way, TTile& tile) const;
+  void lay_Flats(float way, uint32_t from, TTile& tile) const;
   void narrow_Thin(const uint32_t* ids, uint32_t count, TFlats& flats) const;
   uint32_t find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first, uint32_t alive,
                      const TTile& tile) const;
+  uint32_t sift_Listed(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
+                       uint32_t alive, const TTile& tile, const uint32_t* list,
+                       uint32_t listed) const;
   void ask_Tree(const TSweepRays& rays, uint32_t bin) const;
 
   const C3DTriAABBTree* tree_ = nullptr;

@@ -106,9 +106,10 @@ uint32_t place_Rays(const TFlatMesh& mesh, const TAcross& across, const TTiles& 
                     const T3DVEC* orgs, const uint32_t* starts, const uint32_t* own,
                     const TPlaced& out);
 
-// Lists the triangles, of `count`, within whose bounds some of the rays may be. The list has room
-// for all and for a group more.
-uint32_t select(const TFlats& flats, uint32_t count, const TGroup& rays, uint32_t* list);
+// Lists the triangles from `first`, a multiple of a group, to `end` within whose bounds some of the
+// rays may be. The list has room for all and for a group more.
+uint32_t select(const TFlats& flats, uint32_t first, uint32_t end, const TGroup& rays,
+                uint32_t* list);
 
 // Writes those of the listed triangles that may hit one of the `alive` rays to `out`, which has
 // room for all; their number.

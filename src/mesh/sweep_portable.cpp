@@ -190,13 +190,14 @@ uint32_t place_Each(const TFlatMesh& mesh, const TAcross& across, const TTiles& 
   return hits;
 }
 
-uint32_t select_Each(const TFlats& f, uint32_t count, const TGroup& rays, uint32_t* list) {
+uint32_t select_Each(const TFlats& f, uint32_t first, uint32_t end, const TGroup& rays,
+                     uint32_t* list) {
   const auto [low_x, high_x] = std::minmax_element(rays.x, rays.x + kGroup);
   const auto [low_y, high_y] = std::minmax_element(rays.y, rays.y + kGroup);
   const auto [low_z, high_z] = std::minmax_element(rays.z, rays.z + kGroup);
   const bool ahead = rays.way > 0.0f;
   uint32_t kept = 0;
-  for (uint32_t i = 0; i < count; ++i) {
+  for (uint32_t i = first; i < end; ++i) {
     list[kept] = i;
     kept += (f.low_x[i] <= *high_x) & (f.high_x[i] >= *low_x) & (f.low_y[i] <= *high_y) &
             (f.high_y[i] >= *low_y) & (ahead ? f.high_z[i] >= *low_z : f.low_z[i] <= *high_z);

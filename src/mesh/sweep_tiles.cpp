@@ -12,6 +12,7 @@ namespace undercut {
 namespace {
 
 constexpr uint32_t kChunk = 32;           // triangles sifted at a time
+constexpr uint32_t kLayer = 64;           // triangles of a deep tile looked over at a time
 constexpr uint32_t kTileSamples = 32;     // triangles of a tile that are measured
 constexpr uint32_t kFewFlats = 256;       // of a tile that is never answered by depth
 constexpr uint32_t kDeepShare = 8;        // of them one triangle is sifted
@@ -25,6 +26,12 @@ constexpr uint32_t kTreeByTriangle = 48;  // what the tree's making costs, likew
 // Even bins hold rays along the direction, odd ones those against it.
 uint8_t way_Bit(uint32_t bin) { return bin % 2 == 0 ? kSeesAhead : kSeesBehind; }
 float way_Sign(uint32_t bin) { return bin % 2 == 0 ? 1.0f : -1.0f; }
+// The least place along their way at which rays of a group start.
+float find_Nearest(const TGroup& group) {
+  float nearest = group.way * group.z[0];
+  for (uint32_t k = 1; k < kGroup; ++k) nearest = std::min(nearest, group.way * group.z[k]);
+  return nearest;
+}
 void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
 
 }  // namespace
@@ -36,6 +43,7 @@ struct CSweep::TTile {
   uint32_t number;
   uint32_t from = UINT32_MAX, count = 0;  // in the bin
   TFlats flats;
+  float reach[kMostFlats / kLayer];  // of a deep tile, layer by layer: how far along the rays' way
 };
 
 void CSweep::answer_Tiles(const TSweepRays& rays) {
@@ -176,14 +184,26 @@ void CSweep::answer_Tile(const TSweepRays& rays, uint32_t number, uint32_t end_o
   }
 }
 
+// How far along their way rays may start that come to triangles of each layer.
+void CSweep::find_Reach(float way, TTile& tile) const {
+  const float* ends = way > 0.0f ? tile.flats.high_z : tile.flats.low_z;
+  for (uint32_t first = 0; first < tile.count; first += kLayer) {
+    float reach = way * ends[first];
+    for (uint32_t i = first + 1; i < std::min(first + kLayer, tile.count); ++i)
+      reach = std::max(reach, way * ends[i]);
+    tile.reach[first / kLayer] = reach;
+  }
+}
+
 // Makes flats of the triangles from `from` on.
-void CSweep::lay_Flats(uint32_t from, TTile& tile) const {
+void CSweep::lay_Flats(float way, uint32_t from, TTile& tile) const {
   if (tile.from == from) return;
   tile.from = from;
   tile.count = std::min(kMostFlats, triangles_.begin(tile.number + 1) - from);
   const uint32_t* ids = triangles_.entries(from);
   if (lanes_->flatten(flat_Mesh(), ids, tile.count, tile.flats))
     narrow_Thin(ids, tile.count, tile.flats);
+  if (is_deep_[tile.number]) find_Reach(way, tile);
 }
 
 // Holds rays of a tile against its triangles.
@@ -198,7 +218,7 @@ void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* l
     alive[k / kGroup] = static_cast<uint16_t>((1u << std::min(kGroup, count - k)) - 1);
   const uint32_t end = triangles_.begin(tile.number + 1);
   for (uint32_t from = triangles_.begin(tile.number); from < end; from += kMostFlats) {
-    lay_Flats(from, tile);
+    lay_Flats(asked.way, from, tile);
     for (uint32_t k = 0; k < count; k += kGroup) {
       uint32_t hits = find_Hits(rays, asked, k, alive[k / kGroup], tile);
       alive[k / kGroup] &= static_cast<uint16_t>(~hits);
@@ -208,15 +228,36 @@ void CSweep::answer_Rays(const TSweepRays& rays, uint32_t bin, const uint32_t* l
   }
 }
 
-// Which of the alive rays of a group hit a triangle.
+// Which of the alive rays of a group hit a triangle. Of deep tiles layer after layer is looked
+// over: those behind all rays not at all, and none beyond the first that stop all.
 uint32_t CSweep::find_Hits(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
                            uint32_t alive, const TTile& tile) const {
   if (alive == 0) return 0;
   const TGroup group = asked.group(first);
+  uint32_t list[kMostFlats + kGroup];
+  if (!is_deep_[tile.number]) {
+    const uint32_t listed = lanes_->select(tile.flats, 0, tile.count, group, list);
+    return sift_Listed(rays, asked, first, alive, tile, list, listed);
+  }
+  const float nearest = find_Nearest(group);
+  uint32_t hits = 0;
+  for (uint32_t from = 0; from < tile.count && alive != hits; from += kLayer) {
+    if (tile.reach[from / kLayer] < nearest) continue;
+    const uint32_t end = std::min(from + kLayer, tile.count);
+    const uint32_t listed = lanes_->select(tile.flats, from, end, group, list);
+    hits |= sift_Listed(rays, asked, first, alive & ~hits, tile, list, listed);
+  }
+  return hits;
+}
+
+// The same of listed triangles alone.
+uint32_t CSweep::sift_Listed(const TSweepRays& rays, const TTileRays& asked, uint32_t first,
+                             uint32_t alive, const TTile& tile, const uint32_t* list,
+                             uint32_t listed) const {
+  const TGroup group = asked.group(first);
   const T3DVEC way = group.way > 0.0f ? direction_ : -direction_;
   const uint32_t* ids = triangles_.entries(tile.from);
-  uint32_t list[kMostFlats + kGroup], hits = 0;
-  const uint32_t listed = lanes_->select(tile.flats, tile.count, group, list);
+  uint32_t hits = 0;
   for (uint32_t e = 0; e < listed && alive != hits; e += kChunk) {
     TSifted sifted[kChunk];
     const uint32_t found = lanes_->sift(tile.flats, list + e, std::min(kChunk, listed - e), group,

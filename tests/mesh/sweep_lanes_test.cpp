@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cstdio>
 
 #include "tests/support/intensity.h"
@@ -135,11 +137,18 @@ TEST(SweepLanes, ListTrianglesInTheirOrder_AndNoneBehindTheLast) {
       TFlats flats;
       form.lanes->flatten(placed.mesh(), ids.data(), count, flats);
       uint32_t list[kMostFlats + kGroup];
-      const uint32_t listed = form.lanes->select(flats, count, rays.view(), list);
+      const uint32_t listed = form.lanes->select(flats, 0, count, rays.view(), list);
       ASSERT_LE(listed, count);
       for (uint32_t n = 0; n < listed; ++n) {
         ASSERT_LT(list[n], count);
         ASSERT_TRUE(n == 0 || list[n - 1] < list[n]);
+      }
+      // From a later one on they are the same ones.
+      for (uint32_t from = kGroup; from < count; from += kGroup) {
+        uint32_t later[kMostFlats + kGroup];
+        const uint32_t rest = form.lanes->select(flats, from, count, rays.view(), later);
+        uint32_t* const begin = std::lower_bound(list, list + listed, from);
+        ASSERT_TRUE(std::equal(later, later + rest, begin, list + listed));
       }
     }
 }

@@ -90,7 +90,7 @@ class CPlaced {
     const auto count = static_cast<uint32_t>(ids.size());
     if (form.lanes->flatten(mesh(), ids.data(), count, flats)) narrow_Thin(ids, flats);
     uint32_t list[kMostFlats + kGroup];
-    const uint32_t listed = form.lanes->select(flats, count, group.view(), list);
+    const uint32_t listed = form.lanes->select(flats, 0, count, group.view(), list);
     TSifted sifted[kMostFlats];
     const uint32_t found = form.lanes->sift(flats, list, listed, group.view(), 0xffff, sifted);
     std::vector<uint32_t> hit(count), unclear(count);
