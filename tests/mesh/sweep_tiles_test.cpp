@@ -222,6 +222,25 @@ TEST(SweepTiles, AreLeftToTheTree_WhereTrianglesCrowd) {
 }
 
 // Where the tree is there already it takes less to leave a tile to it.
+TEST(SweepTiles, AskTheOneTriangleThatReachesOutOfItsLayer_WhereverItStands) {
+  constexpr uint32_t kLayers = 300;
+  for (const double out : {2000.0, -2000.0})
+    for (uint32_t tall = 0; tall < kLayers; ++tall) {
+      CMaker maker(kSeed);
+      for (uint32_t k = 0; k < kLayers; ++k) {
+        const double z = k, end = k == tall ? z + out : z;
+        maker.add({0, 0, z}, {1, 0, end}, {0, 1, end});
+      }
+      THostile hostile = maker.look({0, 0, 1});
+      const double beyond = out > 0 ? 400.0 : -100.0;
+      for (const double x : {0.2, 0.3, 0.4}) maker.put({x, 0.3, beyond}, hostile);
+      for (uint8_t& sight : hostile.sight) sight = kBoth;
+      const std::vector<uint8_t> want = leave_Plain(hostile);
+      ASSERT_EQ(std::ranges::count(want, 0), 3);
+      ASSERT_TRUE(sweeps(hostile)) << tall;
+    }
+}
+
 TEST(SweepTiles, AreLeftToATreeThatIsThere_ThoughTheyAreDeep) {
   CMaker maker(kSeed + 600);
   maker.add_Layers(1300, 2, 2, 2);
