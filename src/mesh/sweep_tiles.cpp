@@ -13,7 +13,7 @@ namespace {
 
 constexpr uint32_t kChunk = 32;           // triangles sifted at a time
 constexpr uint32_t kLayer = 64;           // triangles of a deep tile looked over at a time
-constexpr uint32_t kTileSamples = 32;     // triangles of a tile that are measured
+constexpr uint32_t kTileSamples = 16;     // triangles of a tile that are measured
 constexpr uint32_t kFewFlats = 256;       // of a tile that is never answered by depth
 constexpr uint32_t kDeepShare = 8;        // of them one triangle is sifted
 constexpr double kManyLayers = 24.0;      // of a tile that is answered by depth
