@@ -139,7 +139,8 @@ bool CBitVector::to_Bytes(TArr<uint8_t>& bytes) const {
   reset(bytes);
   if (!is_Valid() || bits_ > UINT32_MAX || !alloc(bytes, static_cast<uint32_t>(bits_)))
     return false;
-  each_Index(bytes.count, [&](uint32_t i) { bytes.data[i] = test(i); });
+  each_Index(
+      bytes.count, [&](uint32_t i) { bytes.data[i] = test(i); }, kWorthIfLight);
   return true;
 }
 

@@ -39,6 +39,9 @@ class CThreadOrder {
 #endif
 };
 
+// Entries of next to no work, a load and a store, that pay for threads.
+inline constexpr uint32_t kWorthIfLight = 1u << 14;
+
 // body(i) for each i below the count, in contiguous runs, one for each thread; loops of fewer than
 // `worth` entries stay on the calling thread. An entry may write only what no other entry touches.
 // Where an entry throws, which it does for lack of memory alone, the others still run, and the

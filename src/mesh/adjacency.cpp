@@ -72,12 +72,15 @@ int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj&
       parts,
       [&](uint32_t part) { each_End(part, [](uint32_t& count, uint32_t, uint32_t) { ++count; }); },
       kFewParts);
-  each_Index(n_points, [&](uint32_t p) {
-    uint32_t sum = 0;
-    for (uint32_t part = 0; part < parts; ++part)
-      sum += std::exchange(next->data[size_t{part} * n_points + p], sum);
-    adj->counts[p] = sum;
-  });
+  each_Index(
+      n_points,
+      [&](uint32_t p) {
+        uint32_t sum = 0;
+        for (uint32_t part = 0; part < parts; ++part)
+          sum += std::exchange(next->data[size_t{part} * n_points + p], sum);
+        adj->counts[p] = sum;
+      },
+      kWorthIfLight);
   if (!alloc_Block(*adj, n_points, get_Ends(Item{}).size() * uint64_t{n_items})) return -4;
   each_Index(
       parts,

@@ -65,10 +65,13 @@ void CSight::see_Along(const T3DVEC& direction, Ways ways, const uint32_t* list,
   const uint8_t open = ways == Ways::kBoth ? kSeesAhead | kSeesBehind : kSeesAhead;
   if (prefers_Sweep(ways == Ways::kBoth ? 2 * count : count)) {
     if (!has_Starts_) make_Starts();
-    each_Index(count, [&](uint32_t i) {
-      const uint8_t none = no_ray_[list ? list[i] : i];
-      sight[i] = none ? none : open;
-    });
+    each_Index(
+        count,
+        [&](uint32_t i) {
+          const uint8_t none = no_ray_[list ? list[i] : i];
+          sight[i] = none ? none : open;
+        },
+        kWorthIfLight);
     if (can_Sweep_ && sweep_.clear_Hit(direction, {orgs_.data(), box_, list, count, sight})) return;
   }
   if (count >= kManyRays) obstacle_->BuildRays();

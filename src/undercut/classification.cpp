@@ -55,7 +55,9 @@ struct TOpen {
 bool list_Open(const TUcsInput& in, TOpen& open) {
   const uint32_t active = in.roi.data ? in.roi.count : in.msh.n_tri;
   if (!alloc(*open.list, active) || !alloc(*open.sight, active)) return false;
-  each_Index(active, [&](uint32_t i) { open.list->data[i] = in.roi.data ? in.roi.data[i] : i; });
+  each_Index(
+      active, [&](uint32_t i) { open.list->data[i] = in.roi.data ? in.roi.data[i] : i; },
+      kWorthIfLight);
   return true;
 }
 

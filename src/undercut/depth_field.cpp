@@ -118,7 +118,8 @@ void CDepthField::build_Adjacency() {
 void CDepthField::run_Axes() {
   frame_.at(UNDERCUT_NO_MEMORY);
   std::fill_n(dfi_->data, dfi_->count, kAbsent);
-  each_Index(view_.n_tri, [&](uint32_t t) { hidden_->data[t] = t; });
+  each_Index(
+      view_.n_tri, [&](uint32_t t) { hidden_->data[t] = t; }, kWorthIfLight);
   // Rays start where the tree stands: on the soup where there is one, else on the welded corners,
   // which a tree over the unwelded mesh follows within the tolerance of the weld.
   eye_.ini_Sight(test_.tree(), {par_.f_dil <= 0.0 ? view_ : test_.mesh(), par_.f_tol});
@@ -141,7 +142,8 @@ void CDepthField::classify(const T3DFRM& frm) {
 
 void CDepthField::rate_Hidden(uint32_t axis, const T3DFRM& frm) {
   waiting_.clear_All();
-  each_Index(hidden_->count, [&](uint32_t i) { waiting_.set(hidden_->data[i]); });
+  each_Index(
+      hidden_->count, [&](uint32_t i) { waiting_.set(hidden_->data[i]); }, kWorthIfLight);
   frame_.need(patches_.find(waiting_), -27);
   frame_.need(patches_.make_Rims(), -28);
   frame_.need(patches_.list_Borders(waiting_), -29);
