@@ -5,7 +5,8 @@
 #include <cstdint>
 
 #include "files/paths.h"
-#include "foundation/values.h"
+#include "foundation/arrays.h"
+#include "foundation/parallel.h"
 
 namespace undercut {
 
@@ -20,14 +21,8 @@ bool has_Ids(const TArr<uint32_t>& ids, const List& list) {
   return ids.data && ids.count >= list.count;
 }
 
-inline bool ok_Corners(const T3DMSH& msh, const T3DTRI& tri) {
-  return tri.a < msh.n_vtx && tri.b < msh.n_vtx && tri.c < msh.n_vtx;
-}
-
 inline bool ok_Ids(const T3DMSH& msh, const TLst<uint32_t>& ids) {
-  for (uint32_t i = 0; i < ids.count; ++i)
-    if (ids.data[i] >= msh.n_tri) return false;
-  return true;
+  return holds_All(ids.count, [&](uint32_t i) { return ids.data[i] < msh.n_tri; });
 }
 
 // Points as they are, and points in the coordinates of a frame.

@@ -24,10 +24,13 @@ bool alloc_Segments(Pol& pol, uint32_t n_pnt, uint32_t n_sgm) {
 }  // namespace
 
 void clear_Bytes(void* data, uint64_t count) {
-  constexpr uint32_t kBlock = 1u << 16;
-  each_Block(count, kBlock, [&](uint64_t first, uint64_t end) {
-    std::memset(static_cast<uint8_t*>(data) + first, 0, end - first);
-  });
+  constexpr uint32_t kBlock = 1u << 16, kFewBlocks = 16;
+  each_Block(
+      count, kBlock,
+      [&](uint64_t first, uint64_t end) {
+        std::memset(static_cast<uint8_t*>(data) + first, 0, end - first);
+      },
+      kFewBlocks);
 }
 
 bool alloc_Msh(T3DMSH& msh, uint32_t n_vtx, uint32_t n_tri) {
@@ -42,10 +45,7 @@ bool alloc_Msh(T3DMSH& msh, uint32_t n_vtx, uint32_t n_tri) {
 }
 
 bool ok_Vertices(const T3DMSH& msh) {
-  return holds_All(msh.n_tri, [&](uint32_t i) {
-    const T3DTRI& t = msh.tri[i];
-    return t.a < msh.n_vtx && t.b < msh.n_vtx && t.c < msh.n_vtx;
-  });
+  return holds_All(msh.n_tri, [&](uint32_t t) { return ok_Corners(msh, msh.tri[t]); });
 }
 
 bool alloc_Pol(T3DPOL& pol, uint32_t n_pnt, uint32_t n_sgm) {

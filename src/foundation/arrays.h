@@ -118,6 +118,9 @@ inline bool is_Usable(const T3DMSH& msh) {
   return msh.vtx && msh.tri && msh.n_vtx != 0 && msh.n_tri != 0;
 }
 
+inline bool ok_Corners(const T3DMSH& msh, const T3DTRI& tri) {
+  return tri.a < msh.n_vtx && tri.b < msh.n_vtx && tri.c < msh.n_vtx;
+}
 // Whether every triangle names vertices of the mesh, which is there.
 bool ok_Vertices(const T3DMSH& msh);
 

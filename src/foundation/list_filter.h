@@ -29,7 +29,7 @@ void filter_List(TArr<uint32_t>& list, CScratch<uint32_t>& scratch, const Keep& 
   uint32_t count = 0;
   for (uint64_t first = 0; first < list.count; first += kBlock) {
     const uint32_t kept = scratch[first / kBlock];
-    std::copy_n(list.data + first, kept, list.data + count);
+    if (count != first) std::copy_n(list.data + first, kept, list.data + count);
     count += kept;
   }
   list.count = count;

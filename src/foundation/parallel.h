@@ -47,39 +47,41 @@ inline constexpr uint32_t kWorthIfLight = 1u << 14;
 // Where an entry throws, which it does for lack of memory alone, the others still run, and the
 // calling thread throws std::bad_alloc at the end.
 template <typename Body>
-void each_Index(uint32_t count, const Body& body, [[maybe_unused]] uint32_t worth = 256) {
+void each_Index(uint32_t count, const Body& body, uint32_t worth = 256) {
   std::atomic<bool> failed = false;
-  {
+  const auto run = [&](uint32_t i) {
+    try {
+      body(i);
+    } catch (...) {
+      failed.store(true, std::memory_order_relaxed);
+    }
+  };
+  if (count < worth) {  // outside of OpenMP, where even a single thread takes half a microsecond
+    for (uint32_t i = 0; i < count; ++i) run(i);
+  } else {
     CThreadOrder order;
-#pragma omp parallel if (count >= worth)
+#pragma omp parallel
     {
       order.begin();
 #pragma omp for schedule(static)
-      for (int64_t i = 0; i < static_cast<int64_t>(count); ++i) {
-        try {
-          body(static_cast<uint32_t>(i));
-        } catch (...) {
-          failed.store(true, std::memory_order_relaxed);
-        }
-      }
+      for (int64_t i = 0; i < static_cast<int64_t>(count); ++i) run(static_cast<uint32_t>(i));
       order.end();
     }
   }
   if (failed) throw std::bad_alloc();
 }
 
-// body(first, end) for blocks of entries beside one another; few blocks stay on the calling thread.
-// Otherwise as each_Index.
+// body(first, end) for blocks of entries beside one another, fewer than 2^32 of them; loops of
+// fewer than `worth` blocks stay on the calling thread. Otherwise as each_Index.
 template <typename Body>
-void each_Block(uint64_t count, uint32_t block, const Body& body) {
-  constexpr uint32_t kFewBlocks = 4;
+void each_Block(uint64_t count, uint32_t block, const Body& body, uint32_t worth = 4) {
   each_Index(
       static_cast<uint32_t>((count + block - 1) / block),
       [&](uint32_t k) {
         const uint64_t first = uint64_t{k} * block;
         body(first, std::min(first + block, count));
       },
-      kFewBlocks);
+      worth);
 }
 
 // Whether test(i) holds for all i below the count; it may be asked of some after one failed.

@@ -54,13 +54,13 @@ int32_t list_Items(const Item* items, uint32_t n_items, uint32_t n_points, TAdj&
   if (!items) return -1;
   Scoped<TAdj> adj;
   if (!alloc_Lists(*adj, n_points)) return -2;
-  adj->counts = new_Zeroed<uint32_t>(n_points);
+  adj->counts = new_Array<uint32_t>(n_points);
   if (!adj->counts) return -3;
 
   // Parts of the items go beside one another: first each counts its own at every point; then it
   // puts them behind those of the parts before it.
   const uint32_t parts = find_Parts(n_items, n_points);
-  Scoped<TArr<uint32_t>> next;
+  Scoped<TArr<uint32_t>> next;  // all zero
   if (!alloc(*next, parts * n_points)) return -3;
   const auto each_End = [&](uint32_t part, auto visit) {
     const uint64_t end = uint64_t{n_items} * (part + 1) / parts;

@@ -27,7 +27,8 @@ uint8_t find_Open(const T3DMSH& msh, const TAdj& tri_tri, uint32_t t, Accept acc
   return static_cast<uint8_t>(open);
 }
 
-// How many bits such a mask has: the processors that all programs are built for don't count them.
+// How many bits such a mask has. Without an instruction of newer processors std::popcount is a
+// call.
 inline uint32_t count_Open(uint32_t open) { return (open & 1u) + (open >> 1 & 1u) + (open >> 2); }
 
 // Edges of the triangles of a set that no second triangle of the set shares. Codes as bnd_All.

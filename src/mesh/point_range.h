@@ -34,7 +34,7 @@ TPointRange range_Blocks(uint32_t count, Body body) {
     parts[first / kBlock] = body(static_cast<uint32_t>(first), static_cast<uint32_t>(end));
   });
   TPointRange all;
-  for (uint32_t first = 0; first < count; first += kBlock) all.merge(parts[first / kBlock]);
+  for (uint64_t first = 0; first < count; first += kBlock) all.merge(parts[first / kBlock]);
   return all;
 }
 

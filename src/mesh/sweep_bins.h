@@ -11,12 +11,12 @@
 namespace undercut {
 
 class CBins {
+  static constexpr uint32_t kLine = 16;  // entries in a line of the cache
+
  public:
   // Entries that may turn out not to be there are counted and put without a branch, which half of
   // the time would be foretold wrongly: in bins of their own, one each, that nobody reads.
   static constexpr uint32_t kSpare = 3;
-
-  static constexpr uint32_t kLine = 16;  // entries in a line of the cache
 
   // One part of the entries: its counts, then where its next ones go.
   class CRow {

@@ -34,6 +34,8 @@ float find_Nearest(const TGroup& group) {
 }
 void close_Way(uint8_t& sight, uint32_t bin) { sight &= static_cast<uint8_t>(~way_Bit(bin)); }
 
+static_assert(kMostFlats % kLayer == 0 && kLayer % kGroup == 0);
+
 }  // namespace
 
 // A tile and some of its triangles.

@@ -11,8 +11,13 @@ namespace undercut {
 
 namespace {
 
-// Triangles in a row that one thread measures: each search begins where the last one ended.
-constexpr uint32_t kRun = 32;
+// body(first, end) for triangles in a row, on one thread: each search begins where the last one
+// ended.
+template <typename Body>
+void each_Run(uint32_t count, const Body& body) {
+  constexpr uint32_t kRun = 32, kFewRuns = 256;
+  each_Block(count, kRun, body, kFewRuns);
+}
 
 }  // namespace
 
@@ -79,9 +84,9 @@ int32_t CPatchRims::build_Rim(uint32_t j, const CBitVector& open_ends, const T3D
 
 void CPatchRims::measure(const T3DFRM& frm, double* least) {
   const TArr<uint32_t>& order = *patches_.order;
-  each_Index(order.count / kRun + (order.count % kRun != 0), [&](uint32_t run) {
+  each_Run(order.count, [&](uint64_t first, uint64_t end) {
     uint32_t near = 0, before = kNone;
-    for (uint32_t i = run * kRun; i < order.count && i / kRun == run; ++i) {
+    for (uint64_t i = first; i < end; ++i) {
       const uint32_t t = order.data[i], patch = number_->data[t];
       if (rims_[patch].is_Empty()) continue;
       if (patch != before) near = 0;
@@ -93,9 +98,9 @@ void CPatchRims::measure(const T3DFRM& frm, double* least) {
 
 void measure_Set(const T3DMSH& msh, const T3DFRM& frm, const CRim& rim, const CBitVector& set,
                  double* distance) {
-  each_Index(msh.n_tri / kRun + (msh.n_tri % kRun != 0), [&](uint32_t run) {
+  each_Run(msh.n_tri, [&](uint64_t first, uint64_t end) {
     uint32_t near = 0;
-    for (uint32_t t = run * kRun; t < msh.n_tri && t / kRun == run; ++t)
+    for (auto t = static_cast<uint32_t>(first); t < end; ++t)
       if (set.test(t)) distance[t] = rim.measure(get_Place(msh, frm, t), near);
   });
 }

@@ -7,6 +7,8 @@
 #include <numeric>
 #include <vector>
 
+#include "foundation/arrays.h"
+
 namespace undercut {
 namespace {
 
@@ -46,6 +48,8 @@ TEST_P(ParallelLoop, AnEntryThatThrows_LeavesTheOthersTheirTurnAndEndsAsBadAlloc
   };
   EXPECT_THROW(each_Index(1000, body), std::bad_alloc);
   EXPECT_EQ(std::ranges::count(visits, 1), 1000);
+  EXPECT_THROW(each_Index(1000, body, 1001), std::bad_alloc);  // on the calling thread
+  EXPECT_EQ(std::ranges::count(visits, 2), 1000);
 }
 
 TEST_P(ParallelLoop, VisitsEachEntryInOneBlock) {
@@ -67,6 +71,20 @@ TEST_P(ParallelLoop, ATestHoldsForAll_UnlessItFailsForOne) {
     for (const uint32_t bad : {0u, count / 3, count - 1})
       EXPECT_EQ(holds_All(count, [&](uint32_t i) { return i != bad; }), count == 0) << bad;
   }
+}
+
+TEST_P(ParallelLoop, WorksWithinAnother) {
+  std::vector<uint8_t> bytes(8 << 21, 7);
+  std::vector<uint8_t> holds(8);
+  each_Index(
+      8,
+      [&](uint32_t i) {
+        clear_Bytes(&bytes[size_t{i} << 21], 1u << 21);
+        holds[i] = holds_All(50000, [](uint32_t) { return true; }) ? 1 : 0;
+      },
+      2);
+  EXPECT_EQ(std::ranges::count(bytes, 0), 8 << 21);
+  EXPECT_EQ(std::ranges::count(holds, 1), 8);
 }
 
 TEST(ParallelLoopOrder, EachThreadHasARunOfNeighbours_InRisingOrder) {

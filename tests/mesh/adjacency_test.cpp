@@ -97,6 +97,20 @@ TEST(VertexTriangleThreads, ListTheSame_HoweverManyTheyAre) {
   }
 }
 
+TEST(VertexTriangles, WithoutMemoryInSeveralParts_GiveTheSameCodes) {
+  std::mt19937_64 random(1);
+  TSoup soup = make_Random(random, 9, 70000, false);
+  const CThreads scope(3);
+  const auto codes = list_FailureCodes([&] {
+    TAdj adj;
+    const int32_t code = adj_VtxTri(soup.msh(), adj);
+    EXPECT_EQ(is_Empty(adj), code < 0);
+    adj_Free(adj);
+    return code;
+  });
+  EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, 0}));
+}
+
 TEST(PointSegments, AreListedInRisingOrder) {
   std::vector<T3DVEC> points(4);
   std::vector<T3DSGM> segments = {{2, 0}, {0, 1}, {1, 1}, {0, 2}};

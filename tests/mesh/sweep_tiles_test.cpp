@@ -221,7 +221,6 @@ TEST(SweepTiles, AreLeftToTheTree_WhereTrianglesCrowd) {
   }
 }
 
-// Where the tree is there already it takes less to leave a tile to it.
 TEST(SweepTiles, AskTheOneTriangleThatReachesOutOfItsLayer_WhereverItStands) {
   constexpr uint32_t kLayers = 300;
   for (const double out : {2000.0, -2000.0})
@@ -241,6 +240,7 @@ TEST(SweepTiles, AskTheOneTriangleThatReachesOutOfItsLayer_WhereverItStands) {
     }
 }
 
+// Where the tree is there already it takes less to leave a tile to it.
 TEST(SweepTiles, AreLeftToATreeThatIsThere_ThoughTheyAreDeep) {
   CMaker maker(kSeed + 600);
   maker.add_Layers(1300, 2, 2, 2);
