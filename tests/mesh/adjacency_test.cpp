@@ -34,6 +34,18 @@ plain::Table list_Neighbours(TSoup soup) {
 
 bool is_Empty(const TAdj& adj) { return !adj.lists && !adj.counts; }
 
+// The codes of make(adj) as its first, second, ... allocation fails; a failure leaves nothing.
+template <typename Make>
+std::vector<int32_t> list_TableCodes(Make make) {
+  return list_FailureCodes([&] {
+    TAdj adj;
+    const int32_t code = make(adj);
+    EXPECT_EQ(is_Empty(adj), code < 0);
+    adj_Free(adj);
+    return code;
+  });
+}
+
 }  // namespace
 
 TEST(VertexTriangles, AreListedInRisingOrder) {
@@ -75,13 +87,7 @@ TEST(VertexTriangles, WithoutTriangleArray_GiveMinusOne) {
 
 TEST(VertexTriangles, WithoutMemory_GiveMinusTwoToMinusFourByAllocation) {
   TSoup soup = make_Tetrahedron();
-  const auto codes = list_FailureCodes([&] {
-    TAdj adj;
-    const int32_t code = adj_VtxTri(soup.msh(), adj);
-    EXPECT_EQ(is_Empty(adj), code < 0);
-    adj_Free(adj);
-    return code;
-  });
+  const auto codes = list_TableCodes([&](TAdj& adj) { return adj_VtxTri(soup.msh(), adj); });
   EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, 0}));
 }
 
@@ -101,13 +107,7 @@ TEST(VertexTriangles, WithoutMemoryInSeveralParts_GiveTheSameCodes) {
   std::mt19937_64 random(1);
   TSoup soup = make_Random(random, 9, 70000, false);
   const CThreads scope(3);
-  const auto codes = list_FailureCodes([&] {
-    TAdj adj;
-    const int32_t code = adj_VtxTri(soup.msh(), adj);
-    EXPECT_EQ(is_Empty(adj), code < 0);
-    adj_Free(adj);
-    return code;
-  });
+  const auto codes = list_TableCodes([&](TAdj& adj) { return adj_VtxTri(soup.msh(), adj); });
   EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, 0}));
 }
 
@@ -126,11 +126,8 @@ TEST(PointSegments, WithoutSegmentArray_GiveMinusOne) {
 
 TEST(PointSegments, WithoutMemory_GiveMinusTwoToMinusFourByAllocation) {
   T3DSGM segment = {0, 1};
-  const auto codes = list_FailureCodes([&] {
-    TAdj adj;
-    const int32_t code = adj_PntSgm({nullptr, 2, &segment, 1}, adj);
-    adj_Free(adj);
-    return code;
+  const auto codes = list_TableCodes([&](TAdj& adj) {
+    return adj_PntSgm({nullptr, 2, &segment, 1}, adj);
   });
   EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, 0}));
 }
@@ -200,13 +197,7 @@ TEST(Neighbours, WithoutVertexTable_GiveMinusTwo) {
 
 TEST(Neighbours, WithoutMemory_GiveMinusTwoToMinusFiveByAllocation) {
   TSoup soup = make_Tetrahedron();
-  const auto codes = list_FailureCodes([&] {
-    TAdj adj;
-    const int32_t code = adj_TriTri(soup.msh(), adj);
-    EXPECT_EQ(is_Empty(adj), code < 0);
-    adj_Free(adj);
-    return code;
-  });
+  const auto codes = list_TableCodes([&](TAdj& adj) { return adj_TriTri(soup.msh(), adj); });
   EXPECT_EQ(codes, (std::vector<int32_t>{-2, -3, -4, -5, 0}));
 }
 
